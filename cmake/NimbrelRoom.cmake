@@ -1,0 +1,43 @@
+# Build settings that every target shares, and the function that declares a room.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(NIMBREL_CCACHE ccache)
+if(NIMBREL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${NIMBREL_CCACHE}")
+endif()
+
+add_library(nimbrel_settings INTERFACE)
+# No contraction of a*b+c: results are the same bits on machines with and without fused operations.
+target_compile_options(nimbrel_settings INTERFACE -Wall -Wextra -Wpedantic -Wconversion
+                                                  -ffp-contract=off)
+target_include_directories(nimbrel_settings INTERFACE "${CMAKE_SOURCE_DIR}/src")
+target_compile_definitions(nimbrel_settings INTERFACE NIMBREL_VERSION="${PROJECT_VERSION}")
+if(NIMBREL_WERROR)
+  target_compile_options(nimbrel_settings INTERFACE -Werror)
+endif()
+if(NIMBREL_SANITIZE)
+  target_compile_options(nimbrel_settings INTERFACE -fsanitize=${NIMBREL_SANITIZE}
+                         -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(nimbrel_settings INTERFACE -fsanitize=${NIMBREL_SANITIZE})
+endif()
+
+# nimbrel_room(NAME [ROOMS room...] [LIBRARIES library...])
+# A library of all sources in the current folder. ROOMS are the rooms below that it may use; a
+# room that is not named there cannot be linked, so the order of the layers is held by the build.
+function(nimbrel_room NAME)
+  cmake_parse_arguments(ROOM "" "" "ROOMS;LIBRARIES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cc")
+  string(REPLACE "/" "_" target "nimbrel_${NAME}")
+  list(TRANSFORM ROOM_ROOMS PREPEND nimbrel_)
+  if(sources)
+    add_library(${target} STATIC ${sources})
+    target_link_libraries(${target} PUBLIC nimbrel_settings ${ROOM_ROOMS} ${ROOM_LIBRARIES})
+  else()
+    add_library(${target} INTERFACE)
+    target_link_libraries(${target} INTERFACE nimbrel_settings ${ROOM_ROOMS} ${ROOM_LIBRARIES})
+  endif()
+endfunction()
