@@ -139,6 +139,7 @@ struct Task {
   Instant actual_finish;  // absent: not finished
   Instant suspended;
   Instant resumed;
+  Instant expected_finish;      // absent: none; what remains is stretched or cut to end there
   double percent_complete = 0;  // 0 to 100, as shown; scheduling rests on the remaining duration
 
   std::vector<UserValue> user_values;
@@ -188,9 +189,15 @@ enum class FloatRule : std::int32_t { kStart = 0, kFinish = 1, kSmaller = 2 };
 struct ScheduleOptions {
   ProgressRule progress = ProgressRule::kRetainedLogic;
   FloatRule total_float = FloatRule::kFinish;
+  /// Whether what remains waits for the data date, and completed tasks drive nothing past it.
+  /// False: work not started may lie before the data date, completed tasks drive by their actual
+  /// dates.
+  bool remaining_from_data_date = true;
   bool lag_from_early_start = true;  // of a started predecessor; false: from its actual start
   Instant must_finish;               // absent: late dates start from the latest early finish
   std::int32_t critical_float_minutes = 0;  // at most so much float is critical
+  bool critical_by_longest_path = false;  // critical is what drives the finish, whatever its float
+  bool open_ends_critical = false;        // a task without successors has no float
   friend bool operator==(const ScheduleOptions&, const ScheduleOptions&) = default;
 };
 
