@@ -1,0 +1,73 @@
+#include "host/cls_corvane.h"
+
+#include <utility>
+
+#include "host/mod_global.h"
+#include "platform/runtime_error.h"
+
+namespace nimbrel::host {
+
+using Corvane8::Long;
+using Corvane8::Ref;
+
+clsCorvane::clsCorvane(RiskHandlers handlers) : handlers_(std::move(handlers)) {}
+
+clsCorvane::~clsCorvane() {
+  // A host must not be left with a subscriber that has ended; an error has nowhere to go here.
+  platform::IgnoreErrors([this] { StopCorvane(); });
+}
+
+void clsCorvane::StartCorvane() {
+  const Ref<Corvane8::Application>& application = modGlobal::Application();
+  StopCorvane();
+  application->Subscribe(this);
+  m_CorvyApp = application;
+}
+
+void clsCorvane::StopCorvane() {
+  if (const Ref<Corvane8::Application> application = std::exchange(m_CorvyApp, nullptr)) {
+    application->Unsubscribe(this);
+  }
+}
+
+void clsCorvane::m_CorvyApp_PlanAfterRiskAnalysis(Ref<Corvane8::Plan> Plan) {
+  if (modGlobal::IsWeatherPlan(Plan) && handlers_.AfterRiskAnalysis) {
+    handlers_.AfterRiskAnalysis(Plan);
+  }
+}
+
+void clsCorvane::m_CorvyApp_PlanAfterRiskIteration(Ref<Corvane8::Plan> Plan, Long Iteration) {
+  if (modGlobal::IsWeatherPlan(Plan) && handlers_.AfterRiskIteration) {
+    handlers_.AfterRiskIteration(Plan, Iteration);
+  }
+}
+
+void clsCorvane::m_CorvyApp_PlanBeforeRiskAnalysis(Ref<Corvane8::Plan> Plan) {
+  if (modGlobal::IsWeatherPlan(Plan) && handlers_.BeforeRiskAnalysis) {
+    handlers_.BeforeRiskAnalysis(Plan);
+  }
+}
+
+void clsCorvane::m_CorvyApp_PlanBeforeRiskIteration(Ref<Corvane8::Plan> Plan, Long Iteration) {
+  if (modGlobal::IsWeatherPlan(Plan) && handlers_.BeforeRiskIteration) {
+    handlers_.BeforeRiskIteration(Plan, Iteration);
+  }
+}
+
+void clsCorvane::PlanBeforeRiskAnalysis(const Ref<Corvane8::Plan>& plan) {
+  m_CorvyApp_PlanBeforeRiskAnalysis(plan);
+}
+
+void clsCorvane::PlanBeforeRiskIteration(const Ref<Corvane8::Plan>& plan, Long iteration) {
+  m_CorvyApp_PlanBeforeRiskIteration(plan, iteration);
+}
+
+void clsCorvane::PlanAfterRiskIteration(const Ref<Corvane8::Plan>& plan, Long iteration) {
+  m_CorvyApp_PlanAfterRiskIteration(plan, iteration);
+}
+
+void clsCorvane::PlanAfterRiskAnalysis(const Ref<Corvane8::Plan>& plan) {
+  m_CorvyApp_PlanAfterRiskAnalysis(plan);
+}
+
+}  // namespace nimbrel::host
