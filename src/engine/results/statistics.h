@@ -39,13 +39,27 @@ struct DateStatistics {
   friend bool operator==(const DateStatistics&, const DateStatistics&) = default;
 };
 
-/// Statistics of samples, in any order, none of them absent. `as_finish` gives the mean in the form
-/// of a finish (24:00 of the day before where it falls on a midnight). The same for any order of
-/// the samples.
-DateStatistics Summarize(std::span<const Instant> samples, bool as_finish);
+/// Makes statistics of columns of dates, one after the other, with working memory of its own.
+/// Samples may be in any order, and none may be absent; the order changes nothing.
+class DateSummarizer {
+ public:
+  /// `as_finish` gives the mean in the form of a finish (24:00 of the day before where it falls on
+  /// a midnight).
+  DateStatistics Summarize(std::span<const Instant> samples, bool as_finish);
 
-/// The p-percentile of samples in any order; absent for none.
-Instant Percentile(std::span<const Instant> samples, int percent);
+  /// The p-percentile, 0 < p <= 100; absent for no samples.
+  Instant Percentile(std::span<const Instant> samples, int percent);
+
+ private:
+  /// The samples with these positions in sorted order, which ascend, into `values`.
+  void Select(std::span<const Instant> samples, std::span<const std::int64_t> ranks,
+              std::span<Instant> values);
+
+  std::vector<std::int32_t> bucket_ends_;
+  std::vector<Instant> bucketed_;
+  std::int64_t interval_count_ = 0;  // what interval_ is for
+  RankInterval interval_;
+};
 
 /// What samples that are lengths of time say, in calendar days.
 struct DayStatistics {

@@ -1,0 +1,234 @@
+#include "engine/results/statistics.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+namespace nimbrel::engine {
+namespace {
+
+__extension__ using Uint128 = unsigned __int128;
+
+/// Sums of lengths of time that are counted from a base, so that none is negative.
+struct Sums {
+  std::int64_t sum = 0;
+  Uint128 squares = 0;
+};
+
+/// Standard deviation with N - 1 as divisor, of the exact sums.
+double Deviation(const Sums& sums, std::int64_t count) {
+  if (count < 2) {
+    return 0.0;
+  }
+  const auto n = static_cast<Uint128>(count);
+  const auto sum = static_cast<Uint128>(sums.sum);
+  const Uint128 spread = n * sums.squares - sum * sum;
+  return std::sqrt(static_cast<double>(spread) /
+                   (static_cast<double>(count) * static_cast<double>(count - 1)));
+}
+
+Sums SumFrom(std::int64_t base, std::span<const Instant> samples) {
+  Sums sums;
+  // The squares of 1,024 lengths below 200 years stay within 64 bits.
+  constexpr std::size_t kChunk = 1024;
+  for (std::size_t begin = 0; begin < samples.size(); begin += kChunk) {
+    std::uint64_t squares = 0;
+    for (const Instant sample : samples.subspan(begin, std::min(kChunk, samples.size() - begin))) {
+      const std::int64_t length = sample.Minutes() - base;
+      sums.sum += length;
+      squares += static_cast<std::uint64_t>(length * length);
+    }
+    sums.squares += squares;
+  }
+  return sums;
+}
+
+/// As many buckets as make them hold two samples on average, within bounds, as a power of two.
+int BucketBits(std::size_t samples) {
+  int bits = 4;
+  while (bits < 12 && (samples >> (bits + 1)) != 0) {
+    ++bits;
+  }
+  return bits;
+}
+
+double ToDays(std::int64_t minutes) {
+  return static_cast<double>(minutes) / kMinutesPerDay;
+}
+
+}  // namespace
+
+std::int64_t PercentileRank(std::int64_t count, int percent) {
+  return (count * percent + 99) / 100 - 1;
+}
+
+RankInterval QuantileInterval(std::int64_t count, int percent) {
+  // Chances of each number of samples below the quantile, relative to that of the likeliest
+  // number; each follows from its neighbour by one multiplication.
+  const double odds = percent / (100.0 - percent);
+  const std::int64_t mode = count * percent / 100;
+  std::vector<double> below;  // of mode - 1, mode - 2, ...
+  std::vector<double> from;   // of mode, mode + 1, ...
+  constexpr double kNegligible = 1e-25;
+  double chance = 1.0;
+  for (std::int64_t k = mode; k <= count && chance > kNegligible; ++k) {
+    from.push_back(chance);
+    chance *= odds * static_cast<double>(count - k) / static_cast<double>(k + 1);
+  }
+  chance = 1.0;
+  for (std::int64_t k = mode; k > 0; --k) {
+    chance *= static_cast<double>(k) / (odds * static_cast<double>(count - k + 1));
+    if (chance <= kNegligible) {
+      break;
+    }
+    below.push_back(chance);
+  }
+  double total = 0.0;
+  for (const double part : below) {
+    total += part;
+  }
+  for (const double part : from) {
+    total += part;
+  }
+  const double tail = 0.025 * total;
+  const auto lowest = mode - static_cast<std::int64_t>(below.size());
+  const auto highest = mode + static_cast<std::int64_t>(from.size()) - 1;
+  const auto at = [&](std::int64_t k) {
+    return k < mode ? below[static_cast<std::size_t>(mode - 1 - k)]
+                    : from[static_cast<std::size_t>(k - mode)];
+  };
+
+  // The sums begin at the far ends, where the parts are smallest.
+  std::int64_t low = lowest;
+  for (double sum = at(low); sum <= tail; sum += at(low)) {
+    ++low;  // P(B < low) is within the tail
+  }
+  std::int64_t high = highest + 1;
+  for (double sum = at(high - 1); sum <= tail; sum += at(high - 1)) {
+    --high;  // P(B >= high) is within the tail
+  }
+  return {std::max<std::int64_t>(low, 1) - 1, std::min(high, count) - 1};
+}
+
+void DateSummarizer::Select(std::span<const Instant> samples, std::span<const std::int64_t> ranks,
+                            std::span<Instant> values) {
+  const auto packed_less = [](Instant a, Instant b) { return a.packed() < b.packed(); };
+  const auto [low, high] = std::minmax_element(samples.begin(), samples.end(), packed_less);
+  const std::int32_t least = low->packed();
+  const auto width = static_cast<std::uint32_t>(high->packed() - least);
+  const int bits = BucketBits(samples.size());
+  int shift = 0;
+  while ((width >> shift) >> bits != 0) {
+    ++shift;
+  }
+  const auto bucket_of = [least, shift](Instant sample) {
+    return static_cast<std::size_t>(static_cast<std::uint32_t>(sample.packed() - least) >> shift);
+  };
+
+  // One pass of a bucket sort, then a selection within the buckets that are asked for.
+  bucket_ends_.assign((std::size_t{1} << bits) + 1, 0);
+  for (const Instant sample : samples) {
+    ++bucket_ends_[bucket_of(sample) + 1];
+  }
+  for (std::size_t i = 1; i < bucket_ends_.size(); ++i) {
+    bucket_ends_[i] += bucket_ends_[i - 1];
+  }
+  bucketed_.resize(samples.size());
+  for (const Instant sample : samples) {
+    bucketed_[static_cast<std::size_t>(bucket_ends_[bucket_of(sample)]++)] = sample;
+  }
+  std::size_t bucket = 0;  // entry i has become the end of bucket i
+  for (std::size_t i = 0; i < ranks.size(); ++i) {
+    while (bucket_ends_[bucket] <= ranks[i]) {
+      ++bucket;
+    }
+    const auto begin = bucketed_.begin() + (bucket == 0 ? 0 : bucket_ends_[bucket - 1]);
+    const auto nth = bucketed_.begin() + ranks[i];
+    std::nth_element(begin, nth, bucketed_.begin() + bucket_ends_[bucket], packed_less);
+    values[i] = *nth;
+  }
+}
+
+DateStatistics DateSummarizer::Summarize(std::span<const Instant> samples, bool as_finish) {
+  DateStatistics result;
+  result.count = static_cast<std::int64_t>(samples.size());
+  if (result.count == 0) {
+    return result;
+  }
+  if (interval_count_ != result.count) {
+    interval_ = QuantileInterval(result.count, 80);
+    interval_count_ = result.count;
+  }
+  // Select wants its ranks in order, and the interval's place among the others depends on N.
+  struct Wanted {
+    std::int64_t rank;
+    Instant DateStatistics::*member;
+  };
+  std::array<Wanted, 8> wanted = {{{0, &DateStatistics::min},
+                                   {result.count - 1, &DateStatistics::max},
+                                   {PercentileRank(result.count, 10), &DateStatistics::p10},
+                                   {PercentileRank(result.count, 50), &DateStatistics::p50},
+                                   {PercentileRank(result.count, 80), &DateStatistics::p80},
+                                   {PercentileRank(result.count, 90), &DateStatistics::p90},
+                                   {interval_.low, &DateStatistics::p80_low},
+                                   {interval_.high, &DateStatistics::p80_high}}};
+  std::sort(wanted.begin(), wanted.end(),
+            [](const Wanted& a, const Wanted& b) { return a.rank < b.rank; });
+  std::array<std::int64_t, 8> ranks{};
+  std::array<Instant, 8> values;
+  std::transform(wanted.begin(), wanted.end(), ranks.begin(),
+                 [](const Wanted& each) { return each.rank; });
+  Select(samples, ranks, values);
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    result.*wanted[i].member = values[i];
+  }
+
+  const std::int64_t base = result.min.Minutes();
+  const Sums sums = SumFrom(base, samples);
+  const Instant mean =
+      Instant::FromMinutes(base + (2 * sums.sum + result.count) / (2 * result.count));
+  result.mean = as_finish ? mean.AsFinish() : mean;
+  result.sd_days = Deviation(sums, result.count) / kMinutesPerDay;
+  return result;
+}
+
+Instant DateSummarizer::Percentile(std::span<const Instant> samples, int percent) {
+  Instant value;
+  if (!samples.empty()) {
+    const std::int64_t rank = PercentileRank(static_cast<std::int64_t>(samples.size()), percent);
+    Select(samples, {&rank, 1}, {&value, 1});
+  }
+  return value;
+}
+
+DayStatistics SummarizeMinutes(std::span<const std::int64_t> minutes) {
+  DayStatistics result;
+  result.count = static_cast<std::int64_t>(minutes.size());
+  if (result.count == 0) {
+    return result;
+  }
+  std::vector<std::int64_t> sorted(minutes.begin(), minutes.end());
+  std::sort(sorted.begin(), sorted.end());
+  const auto percentile = [&](int percent) {
+    return ToDays(sorted[static_cast<std::size_t>(PercentileRank(result.count, percent))]);
+  };
+  Sums sums;
+  for (const std::int64_t length : sorted) {
+    const std::int64_t above = length - sorted.front();
+    sums.sum += above;
+    sums.squares += static_cast<Uint128>(above) * static_cast<Uint128>(above);
+  }
+  result.mean = ToDays(sorted.front()) +
+                static_cast<double>(sums.sum) / static_cast<double>(result.count) / kMinutesPerDay;
+  result.sd = Deviation(sums, result.count) / kMinutesPerDay;
+  result.min = ToDays(sorted.front());
+  result.max = ToDays(sorted.back());
+  result.p10 = percentile(10);
+  result.p50 = percentile(50);
+  result.p80 = percentile(80);
+  result.p90 = percentile(90);
+  return result;
+}
+
+}  // namespace nimbrel::engine
