@@ -127,6 +127,14 @@ void Plan::RemoveTask(Uid uid) {
   index_valid_ = false;
 }
 
+void Plan::MoveTaskToEnd(Uid uid) {
+  const std::int32_t index = IndexOf(uid);
+  if (index >= 0) {
+    std::rotate(tasks_.begin() + index, tasks_.begin() + index + 1, tasks_.end());
+    index_valid_ = false;
+  }
+}
+
 std::string Plan::FreshTaskId() const {
   for (Uid number = next_uid_;; ++number) {
     std::string id = "N" + std::to_string(number);

@@ -242,6 +242,8 @@ class Plan {
   /// Takes a task out, with its links; its children move up to its parent. Nothing happens if there
   /// is no such task.
   void RemoveTask(Uid uid);
+  /// Puts a task behind all others. Nothing happens if there is no such task.
+  void MoveTaskToEnd(Uid uid);
   /// An ID that no task has: "N" and a number.
   std::string FreshTaskId() const;
   Uid FreshUid() { return next_uid_++; }
