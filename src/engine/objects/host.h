@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,7 +12,7 @@
 
 namespace nimbrel::engine {
 
-class HostState;
+class PlanSession;
 
 /// What a host is wired with.
 struct HostOptions {
@@ -32,15 +31,15 @@ struct IterationSamples {
 
 /// The embedded host: the object model over one plan document, with its scheduler.
 ///
-/// All objects of the model belong to the host, which lives as long as a reference to it or to any
-/// of them. The same task or calendar is always the same object. A risk run goes, after
-/// RaisePlanBeforeRiskAnalysis, for each iteration: fill samples(), BeginIteration,
+/// All objects of the model belong to the open plan, which lives as long as the host has it open or
+/// a reference to any of them is held. The same task or calendar is always the same object. A risk
+/// run goes, after RaisePlanBeforeRiskAnalysis, for each iteration: fill samples(), BeginIteration,
 /// RaisePlanBeforeRiskIteration, ScheduleIteration, RaisePlanAfterRiskIteration, read results from
 /// scheduler(), EndIteration; then RaisePlanAfterRiskAnalysis. Operations of the object model that
 /// an iteration needs allocate nothing.
 class Host final : public Corvane8::Application {
  public:
-  Host(Plan plan, HostOptions options);
+  explicit Host(HostOptions options);
   ~Host() override;
 
   platform::Ref<Corvane8::Plan> get_ActivePlan() override;
@@ -50,13 +49,19 @@ class Host final : public Corvane8::Application {
   void Subscribe(Corvane8::ApplicationEvents* events) override;
   void Unsubscribe(Corvane8::ApplicationEvents* events) override;
 
+  /// Opens a plan in place of the one that is open. Subscriptions stay; references into the former
+  /// plan stay valid and lead to that plan.
+  void Open(Plan plan);
+  /// Afterwards there is no active plan, and all that follows here raises error 91.
+  void Close();
+
   /// The document as it stands now, days taken by SetDays included. Valid until the next change of
   /// the plan; copy it to keep it.
   const Plan& document();
 
   /// The scheduler, compiled anew if the plan's structure has changed since the last call (a
-  /// reference from before is then no longer valid). Results are those of the last scheduling by
-  /// whichever side. Raises SchedulingError.
+  /// reference from before is then no longer valid). Its results are those of the last pass, on
+  /// whichever side it was asked for. Raises SchedulingError.
   Scheduler& scheduler();
 
   /// Whether the task is scheduled: whether it does not only carry weather.
@@ -68,11 +73,12 @@ class Host final : public Corvane8::Application {
   /// have an entry for each task of the document, also after tasks were added or removed.
   IterationSamples& samples();
   /// From here to EndIteration the sampled values hold, reading dates schedules nothing by itself,
-  /// and Plan.Recalculate schedules only what a change can reach.
+  /// and Plan.Recalculate schedules only what a change can reach. Raises SchedulingError if the
+  /// plan must be compiled and cannot be.
   void BeginIteration();
   /// The next scheduling from outside an iteration goes by the likely durations again.
   void EndIteration();
-  bool iteration_running() const;
+  bool iteration_running();
   /// Hands the unrounded sample of each scheduled task to the scheduler, rounded to a minute (half
   /// to even); a task that is skipped or sampled below 0 gets 0 minutes.
   void ApplySamples();
@@ -92,15 +98,18 @@ class Host final : public Corvane8::Application {
   void RaisePlanAfterRiskAnalysis();
 
  private:
+  /// Raises error 91 if no plan is open.
+  PlanSession& session() const;
   template <class Event>
-  void Raise(Event event);
+  void Raise(const Event& event);
 
-  std::unique_ptr<HostState> state_;
+  HostOptions options_;
+  platform::Ref<PlanSession> session_;
   std::vector<Corvane8::ApplicationEvents*> subscribers_;  // null: ended while an event is raised
   int raising_ = 0;                                        // events under way, one in another
 };
 
-/// Makes a host for a plan.
+/// Makes a host and opens a plan in it.
 platform::Ref<Host> MakeHost(Plan plan, HostOptions options);
 
 }  // namespace nimbrel::engine
