@@ -54,6 +54,7 @@ class Ref {
   }
   ~Ref() { Drop(); }
 
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): the copy keeps the object alive
   Ref& operator=(const Ref& other) noexcept {
     Ref(other).swap(*this);
     return *this;

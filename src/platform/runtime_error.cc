@@ -2,6 +2,8 @@
 
 namespace nimbrel::platform {
 
-void RaiseNothing() { throw RuntimeError(kObjectNotSet, "Object variable not set"); }
+void RaiseNothing() {
+  throw RuntimeError(kObjectNotSet, "Object variable not set");
+}
 
 }  // namespace nimbrel::platform

@@ -1,5 +1,8 @@
 #include "platform/text.h"
 
+#include <cstdint>
+#include <utility>
+
 namespace nimbrel::platform {
 namespace {
 
@@ -19,8 +22,8 @@ unsigned FoldCharacter(unsigned c) {
   }
   // Latin Extended-A comes in pairs of upper and lower case; which of the two is even changes
   // twice, and the dotted and dotless i and the kra have no partner here.
-  const bool even_upper = (c >= 0x100 && c <= 0x12F) || (c >= 0x132 && c <= 0x137) ||
-                          (c >= 0x14A && c <= 0x177);
+  const bool even_upper =
+      (c >= 0x100 && c <= 0x12F) || (c >= 0x132 && c <= 0x137) || (c >= 0x14A && c <= 0x177);
   const bool odd_upper = (c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E);
   if ((even_upper && c % 2 == 0) || (odd_upper && c % 2 == 1)) {
     return c + 1;
@@ -28,34 +31,79 @@ unsigned FoldCharacter(unsigned c) {
   return c;
 }
 
+/// Gives the bytes of a text in lower case, one after the other and as many as the text has.
+class FoldedBytes {
+ public:
+  explicit FoldedBytes(std::string_view text) : text_(text) {}
+
+  /// The next byte. There must be one.
+  char Next() {
+    const auto byte = static_cast<unsigned char>(text_[position_]);
+    if (byte < 0x80) {
+      ++position_;
+      return static_cast<char>(byte >= 'A' && byte <= 'Z' ? byte + 0x20 : byte);
+    }
+    return NextOfLong(byte);
+  }
+
+ private:
+  bool IsContinuation(std::size_t position) const {
+    return position < text_.size() && (static_cast<unsigned char>(text_[position]) & 0xC0) == 0x80;
+  }
+
+  char NextOfLong(unsigned char byte) {
+    if (pending_ != 0) {
+      ++position_;
+      return static_cast<char>(std::exchange(pending_, 0u));
+    }
+    if ((byte & 0xE0) == 0xC0 && IsContinuation(position_ + 1)) {
+      const auto second = static_cast<unsigned char>(text_[position_ + 1]);
+      const unsigned lower = FoldCharacter(((byte & 0x1Fu) << 6) | (second & 0x3Fu));
+      pending_ = 0x80u | (lower & 0x3Fu);
+      byte = static_cast<unsigned char>(0xC0u | (lower >> 6));
+    }
+    ++position_;
+    return static_cast<char>(byte);
+  }
+
+  std::string_view text_;
+  std::size_t position_ = 0;
+  unsigned pending_ = 0;  // second byte of a folded character, or 0
+};
+
 }  // namespace
 
 std::string FoldCase(std::string_view text) {
-  std::string folded;
-  folded.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if (byte < 0x80) {
-      folded.push_back(byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + 0x20) : text[i]);
-      continue;
-    }
-    const bool two_bytes = (byte & 0xE0) == 0xC0 && i + 1 < text.size() &&
-                           (static_cast<unsigned char>(text[i + 1]) & 0xC0) == 0x80;
-    if (!two_bytes) {
-      folded.push_back(text[i]);
-      continue;
-    }
-    const unsigned character =
-        ((byte & 0x1Fu) << 6) | (static_cast<unsigned char>(text[++i]) & 0x3Fu);
-    const unsigned lower = FoldCharacter(character);
-    folded.push_back(static_cast<char>(0xC0u | (lower >> 6)));
-    folded.push_back(static_cast<char>(0x80u | (lower & 0x3Fu)));
+  std::string folded(text.size(), '\0');
+  FoldedBytes bytes(text);
+  for (char& byte : folded) {
+    byte = bytes.Next();
   }
   return folded;
 }
 
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
-  return a == b || FoldCase(a) == FoldCase(b);
+  if (a.size() != b.size()) {
+    return false;
+  }
+  FoldedBytes bytes_a(a);
+  FoldedBytes bytes_b(b);
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (bytes_a.Next() != bytes_b.Next()) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::size_t HashIgnoreCase(std::string_view text) {
+  // FNV-1a of the folded bytes.
+  std::uint64_t hash = 0xCBF29CE484222325u;
+  FoldedBytes bytes(text);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    hash = (hash ^ static_cast<unsigned char>(bytes.Next())) * 0x100000001B3u;
+  }
+  return static_cast<std::size_t>(hash);
 }
 
 std::string_view Trim(std::string_view text) {

@@ -1,18 +1,35 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace nimbrel::platform {
 
 /// `text` (UTF-8) in lower case: ASCII, Latin-1, Latin Extended-A, Greek and Cyrillic letters are
-/// folded one to one, all other characters stay. For comparing, not for showing.
+/// folded one to one, all other characters stay, and so do bytes that are no UTF-8. The length in
+/// bytes stays the same. For comparing, not for showing.
 std::string FoldCase(std::string_view text);
 
-/// Whether two UTF-8 texts are the same without regard to case, as keys and names are compared.
+/// Whether two UTF-8 texts are the same without regard to case, as keys and names are compared:
+/// whether FoldCase gives the same for both. Allocates nothing.
 bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+
+/// A hash that is the same for texts that EqualsIgnoreCase holds equal. Allocates nothing.
+std::size_t HashIgnoreCase(std::string_view text);
 
 /// `text` without leading and trailing spaces, tabs and line ends.
 std::string_view Trim(std::string_view text);
+
+/// Hash and equality of unordered containers whose text keys have no case. Lookups take a
+/// string_view as it is.
+struct IgnoreCaseHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const { return HashIgnoreCase(text); }
+};
+struct IgnoreCaseEqual {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const { return EqualsIgnoreCase(a, b); }
+};
 
 }  // namespace nimbrel::platform
