@@ -18,7 +18,7 @@ constexpr std::int32_t kFirstYear = 2027;
 constexpr std::int32_t kMinutesPerWorkday = 480;
 // Days that a task takes on the longest way through a layer, of durations from 2 to 20: found by
 // trying. It sets how many layers make a year.
-constexpr double kDaysPerLayer = 14.5;
+constexpr double kDaysPerLayer = 12;
 
 /// SplitMix64: the same numbers everywhere.
 class Generator {

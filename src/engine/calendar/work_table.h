@@ -39,7 +39,9 @@ class WorkTable {
 
   /// Whether all days are of equal length.
   bool is_uniform() const { return uniform_; }
+  /// The first and the last day that the table may cover.
   std::int32_t first_day() const { return first_day_; }
+  std::int32_t last_day() const { return first_day_ + limit_ - 1; }
 
   /// Minutes of work before the moment. Raises OutsideCalendars.
   std::int32_t Position(Instant moment);

@@ -45,6 +45,8 @@ class Scheduler {
   /// The task's position, or -1 if it is not scheduled.
   TaskIndex IndexOf(Uid task) const;
   Uid TaskAt(TaskIndex task) const;
+  /// What of the plan's logic is not followed, one line each: links and constraints left out.
+  const std::vector<std::string>& warnings() const;
 
   // What an iteration changes. None of these schedules by itself.
 

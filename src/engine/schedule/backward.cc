@@ -1,0 +1,201 @@
+#include "engine/schedule/backward.h"
+
+#include <algorithm>
+
+#include "engine/schedule/forward.h"
+#include "engine/schedule/spans.h"
+
+namespace nimbrel::engine {
+namespace {
+
+/// The latest moments at which a task may start and may finish, packed.
+struct Ceilings {
+  std::int32_t start = kNoCeiling;
+  std::int32_t finish = kNoCeiling;
+};
+
+Instant Unpack(std::int32_t packed) {
+  return Instant::FromPacked(packed);
+}
+
+/// The latest moments that leave the successors of a task where they are: `limit_of` tells up to
+/// when a predecessor may hold the start or the finish of a successor.
+template <class LimitOf>
+Ceilings CeilingsOfLinks(Network& network, Slot slot, const LimitOf& limit_of) {
+  Ceilings ceilings;
+  for (const OutLink& link : network.out_links[slot]) {
+    const std::int32_t begin =
+        LagBegin(network, limit_of(link.successor, link.to_finish), link.lag);
+    std::int32_t& ceiling = link.from_finish ? ceilings.finish : ceilings.start;
+    ceiling = std::min(ceiling, begin);
+  }
+  return ceilings;
+}
+
+/// As above, so that no early date of a successor moves.
+Ceilings CeilingsOfEarlyDates(Network& network, Slot slot) {
+  return CeilingsOfLinks(network, slot, [&network](Slot successor, bool to_finish) {
+    if (!to_finish || network.nodes[successor].minutes == 0) {
+      return network.early[2 * successor + (to_finish ? 1 : 0)];
+    }
+    // Whatever comes after the work has ended and before it would go on does not move it.
+    WorkTable& table = network.TableOf(successor);
+    return table.StartAt(table.Position(Unpack(network.early[FinishOf(successor)]))).packed();
+  });
+}
+
+void AddConstraints(const Network& network, Slot slot, Ceilings& ceilings) {
+  const TaskFacts& facts = network.facts[slot];
+  for (const Constraint& constraint : facts.constraints) {
+    if (constraint.date.IsAbsent()) {
+      continue;
+    }
+    const std::int32_t date = constraint.date.packed();
+    const bool limits_start = constraint.type == ConstraintType::kStartOn ||
+                              constraint.type == ConstraintType::kStartNoLater;
+    if (limits_start && !facts.is_started) {
+      ceilings.start = std::min(ceilings.start, date);
+    } else if (constraint.type == ConstraintType::kFinishOn ||
+               constraint.type == ConstraintType::kFinishNoLater) {
+      ceilings.finish = std::min(ceilings.finish, date);
+    }
+  }
+}
+
+Ceilings MandatoryCeilings(const Network& network, Slot slot) {
+  Ceilings ceilings;
+  for (const Constraint& constraint : network.facts[slot].constraints) {
+    if (constraint.date.IsAbsent()) {
+      continue;
+    }
+    if (constraint.type == ConstraintType::kMandatoryStart && !network.facts[slot].is_started) {
+      ceilings.start = std::min(ceilings.start, constraint.date.packed());
+    } else if (constraint.type == ConstraintType::kMandatoryFinish) {
+      ceilings.finish = std::min(ceilings.finish, constraint.date.packed());
+    }
+  }
+  return ceilings;
+}
+
+/// The position at which the work of a task ends under its ceilings.
+std::int32_t FinishPosition(WorkTable& table, std::int32_t minutes, Ceilings ceilings) {
+  std::int32_t finish = kNoCeiling;
+  if (ceilings.finish != kNoCeiling) {
+    finish = table.Position(Unpack(ceilings.finish));
+  }
+  if (ceilings.start != kNoCeiling) {
+    finish = std::min(finish, table.Position(Unpack(ceilings.start)) + minutes);
+  }
+  return finish;
+}
+
+/// The latest moment of a task without work that does not come after `ceiling`.
+Instant LatestWithoutWork(WorkTable& table, Instant ceiling, TaskKind kind) {
+  const std::int32_t position = table.Position(ceiling);
+  const Instant start = table.StartAt(position);
+  return kind == TaskKind::kStartMilestone || IsSameMoment(start, ceiling)
+             ? start
+             : table.FinishAt(position);
+}
+
+/// The late dates as found, and up to when predecessors may hold the task's start and finish.
+class LatePass {
+ public:
+  explicit LatePass(Network& network)
+      : network_(network),
+        plan_finish_(network.options.must_finish.IsAbsent() ? FinishOfPlan(network)
+                                                            : network.options.must_finish),
+        limits_(2 * static_cast<std::size_t>(network.open_count)) {}
+
+  void Run() {
+    try {
+      for (slot_ = network_.open_count - 1; slot_ >= 0; --slot_) {
+        FindLateDates();
+        FindFreeFloat();
+      }
+    } catch (const OutsideCalendars& error) {
+      throw OutsideError(network_, slot_, error);
+    }
+  }
+
+ private:
+  void FindLateDates() {
+    Ceilings ceilings;
+    if (network_.nodes[slot_].is_mandatory) {
+      ceilings = MandatoryCeilings(network_, slot_);
+    } else {
+      ceilings = CeilingsOfLinks(network_, slot_, [this](Slot successor, bool to_finish) {
+        return limits_[2 * static_cast<std::size_t>(successor) + (to_finish ? 1 : 0)];
+      });
+      ceilings.finish = std::min(ceilings.finish, plan_finish_.packed());
+      AddConstraints(network_, slot_, ceilings);
+    }
+    WorkTable& table = network_.TableOf(slot_);
+    const std::int32_t minutes = network_.nodes[slot_].minutes;
+    const std::int32_t early_finish = table.Position(Unpack(network_.early[FinishOf(slot_)]));
+    const std::int32_t finish = FinishPosition(table, minutes, ceilings);
+    // What remains is the same amount of work early and late, so that the float counted on the
+    // start and on the finish are one.
+    network_.total_float[slot_] = finish - early_finish;
+    if (minutes > 0) {
+      const Instant start = table.StartAt(finish - minutes);
+      SetLate(start, table.FinishAt(finish), start, table.StartAt(finish));
+      return;
+    }
+    const Instant ceiling = Unpack(std::min(ceilings.start, ceilings.finish));
+    const TaskKind kind = network_.facts[slot_].kind;
+    const Instant latest = LatestWithoutWork(table, ceiling, kind);
+    const Instant limit = kind == TaskKind::kStartMilestone ? ceiling : latest;
+    const Instant shown = finish == early_finish ? Unpack(network_.early[FinishOf(slot_)])
+                          : kind == TaskKind::kStartMilestone ? latest
+                                                              : table.FinishAt(finish);
+    SetLate(shown, shown, limit, limit);
+  }
+
+  void SetLate(Instant start, Instant finish, Instant start_limit, Instant finish_limit) {
+    network_.late[StartOf(slot_)] = start.packed();
+    network_.late[FinishOf(slot_)] = finish.packed();
+    limits_[2 * static_cast<std::size_t>(slot_)] = start_limit.packed();
+    limits_[2 * static_cast<std::size_t>(slot_) + 1] = finish_limit.packed();
+  }
+
+  void FindFreeFloat() {
+    Ceilings ceilings = CeilingsOfEarlyDates(network_, slot_);
+    if (network_.out_links[slot_].empty()) {
+      ceilings.finish = plan_finish_.packed();
+    }
+    WorkTable& table = network_.TableOf(slot_);
+    const std::int32_t latest = FinishPosition(table, network_.nodes[slot_].minutes, ceilings);
+    network_.free_float[slot_] =
+        std::max(0, latest - table.Position(Unpack(network_.early[FinishOf(slot_)])));
+  }
+
+  Network& network_;
+  Instant plan_finish_;
+  std::vector<std::int32_t> limits_;
+  Slot slot_ = 0;
+};
+
+}  // namespace
+
+LateDates LatestWithoutDelay(Network& network, Slot slot) {
+  Ceilings ceilings = CeilingsOfEarlyDates(network, slot);
+  ceilings.finish = std::min(ceilings.finish, FinishOfPlan(network).packed());
+  AddConstraints(network, slot, ceilings);
+  WorkTable& table = network.TableOf(slot);
+  const std::int32_t minutes = network.nodes[slot].minutes;
+  if (minutes == 0) {
+    const Instant latest = LatestWithoutWork(
+        table, Unpack(std::min(ceilings.start, ceilings.finish)), network.facts[slot].kind);
+    return {latest, latest};
+  }
+  const std::int32_t finish = FinishPosition(table, minutes, ceilings);
+  return {table.StartAt(finish - minutes), table.FinishAt(finish)};
+}
+
+void RunBackward(Network& network) {
+  LatePass(network).Run();
+  FillLateSpans(network);
+}
+
+}  // namespace nimbrel::engine

@@ -1,0 +1,388 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <numeric>
+#include <tuple>
+
+#include "engine/schedule/calendar_set.h"
+#include "engine/schedule/network.h"
+#include "engine/schedule/topology.h"
+
+namespace nimbrel::engine {
+namespace {
+
+/// Groups items by a key from 0 to `count` - 1, keeping their order.
+template <class Item, class Source, class KeyOf, class Make>
+Lists<Item> GroupBy(std::int32_t count, const std::vector<Source>& sources, const KeyOf& key_of,
+                    const Make& make) {
+  Lists<Item> lists;
+  lists.first.assign(static_cast<std::size_t>(count) + 1, 0);
+  for (const Source& source : sources) {
+    ++lists.first[static_cast<std::size_t>(key_of(source)) + 1];
+  }
+  std::partial_sum(lists.first.begin(), lists.first.end(), lists.first.begin());
+  lists.items.resize(sources.size());
+  std::vector<std::int32_t> next(lists.first.begin(), lists.first.end() - 1);
+  for (const Source& source : sources) {
+    lists.items[static_cast<std::size_t>(next[static_cast<std::size_t>(key_of(source))]++)] =
+        make(source);
+  }
+  return lists;
+}
+
+class Compiler {
+ public:
+  Compiler(const Plan& plan, const Scheduler::Participates& participates)
+      : plan_(plan), calendars_(plan, FirstTableDay(plan), network_) {
+    for (const Task& task : plan.tasks()) {
+      if (participates(task)) {
+        network_.index_of.emplace(task.uid, static_cast<TaskIndex>(tasks_.size()));
+        network_.uids.push_back(task.uid);
+        network_.labels.push_back(task.description.empty()
+                                      ? "Task " + task.id
+                                      : fmt::format("Task {} ({})", task.id, task.description));
+        tasks_.push_back(&task);
+      }
+    }
+  }
+
+  Network Compile() {
+    network_.options = plan_.schedule;
+    network_.status = plan_.StatusDate();
+    FindMembers();
+    FindEdges();
+    AssignSlots();
+    MakeFacts();
+    MakeLinks();
+    MakeNodes();
+    MakeSpans();
+    return std::move(network_);
+  }
+
+ private:
+  const Task& TaskAt(TaskIndex index) const { return *tasks_[static_cast<std::size_t>(index)]; }
+  Slot SlotOf(TaskIndex index) const { return network_.slot_of[static_cast<std::size_t>(index)]; }
+  TaskIndex IndexOf(Uid uid) const {
+    const auto found = network_.index_of.find(uid);
+    return found == network_.index_of.end() ? -1 : found->second;
+  }
+  bool IsSpan(TaskIndex index) const {
+    return TaskAt(index).kind == TaskKind::kSummary ||
+           TaskAt(index).kind == TaskKind::kLevelOfEffort;
+  }
+  /// Whether what remains of the task goes its own way, whatever its predecessors do.
+  bool IgnoresLinks(const Task& task) const {
+    return task.IsFinished() ||
+           (task.IsStarted() && plan_.schedule.progress != ProgressRule::kRetainedLogic);
+  }
+
+  void FindMembers();
+  std::vector<TaskIndex> EndsOf(Uid uid) const;
+  void FindEdges();
+  void AddEdge(TaskIndex from, TaskIndex to, const Link& link, std::int32_t order);
+  void AssignSlots();
+  void MakeFacts();
+  TaskFacts FactsOf(const Task& task);
+  void MakeLinks();
+  void HoldFromActualStart(const Edge& edge);
+  void MakeNodes();
+  void MakeSpans();
+
+  const Plan& plan_;
+  Network network_;
+  CalendarSet calendars_;
+  std::vector<const Task*> tasks_;                              // by TaskIndex
+  std::unordered_map<Uid, std::vector<TaskIndex>> members_of_;  // of summaries, all levels down
+  std::vector<Edge> edges_;                                     // between ordinary tasks
+  std::vector<Edge> effort_edges_;                              // with a level of effort at one end
+  std::vector<Edge> open_edges_;  // those of edges_ that can change dates
+};
+
+void Compiler::FindMembers() {
+  for (std::size_t i = 0; i < tasks_.size(); ++i) {
+    if (tasks_[i]->kind == TaskKind::kSummary) {
+      continue;
+    }
+    std::size_t depth = 0;
+    for (Uid parent = tasks_[i]->parent; parent != 0;) {
+      const Task* summary = plan_.FindTask(parent);
+      if (summary == nullptr) {
+        break;
+      }
+      if (++depth > plan_.tasks().size()) {
+        throw SchedulingError(fmt::format("Task {} is its own summary", summary->id));
+      }
+      members_of_[parent].push_back(static_cast<TaskIndex>(i));
+      parent = summary->parent;
+    }
+  }
+}
+
+/// The tasks for which a link of this task stands: itself, or all below a summary.
+std::vector<TaskIndex> Compiler::EndsOf(Uid uid) const {
+  const TaskIndex index = IndexOf(uid);
+  if (index < 0) {
+    return {};
+  }
+  if (TaskAt(index).kind != TaskKind::kSummary) {
+    return {index};
+  }
+  std::vector<TaskIndex> ends;
+  if (const auto members = members_of_.find(uid); members != members_of_.end()) {
+    std::copy_if(members->second.begin(), members->second.end(), std::back_inserter(ends),
+                 [this](TaskIndex member) { return !IsSpan(member); });
+  }
+  return ends;
+}
+
+void Compiler::FindEdges() {
+  for (std::size_t i = 0; i < plan_.links.size(); ++i) {
+    const Link& link = plan_.links[i];
+    const std::vector<TaskIndex> from_ends = EndsOf(link.predecessor);
+    const std::vector<TaskIndex> to_ends = EndsOf(link.successor);
+    const bool is_inside =
+        (from_ends.size() > 1 || to_ends.size() > 1) &&
+        std::any_of(from_ends.begin(), from_ends.end(), [&to_ends](TaskIndex from) {
+          return std::find(to_ends.begin(), to_ends.end(), from) != to_ends.end();
+        });
+    if (is_inside) {
+      network_.warnings.push_back(
+          fmt::format("The link from {} to {} joins a summary to a task below it and is left out",
+                      plan_.FindTask(link.predecessor)->id, plan_.FindTask(link.successor)->id));
+      continue;
+    }
+    for (const TaskIndex from : from_ends) {
+      for (const TaskIndex to : to_ends) {
+        AddEdge(from, to, link, static_cast<std::int32_t>(i));
+      }
+    }
+  }
+}
+
+void Compiler::AddEdge(TaskIndex from, TaskIndex to, const Link& link, std::int32_t order) {
+  if (IsSpan(from) && IsSpan(to)) {
+    network_.warnings.push_back(
+        fmt::format("The link from {} to {} joins two levels of effort and is left out",
+                    TaskAt(from).id, TaskAt(to).id));
+  } else if (IsSpan(from) || IsSpan(to)) {
+    effort_edges_.push_back({from, to, &link, order});
+  } else {
+    edges_.push_back({from, to, &link, order});
+  }
+}
+
+/// Puts the tasks in order. Tasks of one level do not wait for each other; among them, tasks that
+/// look alike stand together, so that the pass over them runs smoothly.
+void Compiler::AssignSlots() {
+  const auto count = static_cast<std::int32_t>(tasks_.size());
+  const std::vector<std::int32_t> levels =
+      LevelsOf(count, edges_, [this](std::int32_t index) { return TaskAt(index).id; });
+  std::vector<std::int32_t> predecessors(tasks_.size(), 0);
+  std::vector<bool> has_lag(tasks_.size(), false);
+  for (const Edge& edge : edges_) {
+    ++predecessors[static_cast<std::size_t>(edge.to)];
+    if (edge.link->lag_minutes != 0) {
+      has_lag[static_cast<std::size_t>(edge.to)] = true;
+    }
+  }
+  const auto group_of = [this](TaskIndex index) {
+    const Task& task = TaskAt(index);
+    return task.kind == TaskKind::kSummary         ? 3
+           : task.kind == TaskKind::kLevelOfEffort ? 2
+           : task.IsFinished()                     ? 1
+                                                   : 0;
+  };
+  const auto key_of = [&](TaskIndex index) {
+    const auto i = static_cast<std::size_t>(index);
+    return std::tuple(group_of(index), levels[i], bool{has_lag[i]}, predecessors[i],
+                      TaskAt(index).calendar, index);
+  };
+  network_.index_at.resize(tasks_.size());
+  std::iota(network_.index_at.begin(), network_.index_at.end(), 0);
+  std::sort(network_.index_at.begin(), network_.index_at.end(),
+            [&key_of](TaskIndex a, TaskIndex b) { return key_of(a) < key_of(b); });
+
+  network_.slot_of.resize(tasks_.size());
+  std::array<Slot, 4> sizes{};
+  for (Slot slot = 0; slot < count; ++slot) {
+    const TaskIndex index = network_.index_at[static_cast<std::size_t>(slot)];
+    network_.slot_of[static_cast<std::size_t>(index)] = slot;
+    ++sizes[static_cast<std::size_t>(group_of(index))];
+  }
+  network_.open_count = sizes[0];
+  network_.network_count = sizes[0] + sizes[1];
+  network_.effort_count = network_.network_count + sizes[2];
+  network_.task_count = count;
+}
+
+TaskFacts Compiler::FactsOf(const Task& task) {
+  TaskFacts facts;
+  facts.kind = task.kind;
+  facts.is_started = task.IsStarted();
+  facts.is_finished = task.IsFinished();
+  facts.table = calendars_.TableFor(task, !facts.is_finished && task.kind != TaskKind::kSummary);
+  facts.constraints[0] = task.constraint;
+  facts.constraints[1] = task.second_constraint;
+  facts.own_floor = plan_.StatusDate().packed();
+  if (facts.is_started && !task.resumed.IsAbsent()) {
+    facts.own_floor = std::max(facts.own_floor, task.resumed.packed());
+  }
+  if (task.kind == TaskKind::kTask || task.kind == TaskKind::kLevelOfEffort) {
+    facts.remaining = facts.is_finished ? 0 : std::max(plan_.LikelyMinutes(task), 0);
+  }
+  return facts;
+}
+
+void Compiler::MakeFacts() {
+  if (plan_.StatusDate().IsAbsent() && network_.open_count > 0) {
+    throw SchedulingError("The plan has neither a start nor a data date");
+  }
+  const auto count = static_cast<std::size_t>(network_.task_count);
+  network_.early.assign(2 * count, plan_.StatusDate().packed());
+  network_.late.assign(2 * count, Instant().packed());
+  network_.total_float.assign(count, 0);
+  network_.free_float.assign(count, 0);
+  network_.facts.reserve(count);
+  for (Slot slot = 0; slot < network_.task_count; ++slot) {
+    const Task& task = TaskAt(network_.index_at[static_cast<std::size_t>(slot)]);
+    network_.facts.push_back(FactsOf(task));
+    if (task.IsFinished() && task.kind != TaskKind::kSummary) {
+      network_.early[StartOf(slot)] =
+          (task.IsStarted() ? task.actual_start : task.actual_finish).packed();
+      network_.early[FinishOf(slot)] = task.actual_finish.packed();
+      if (slot < network_.network_count) {
+        network_.latest_actual = std::max(network_.latest_actual, task.actual_finish.packed());
+      }
+    }
+  }
+}
+
+/// A link from the actual start of a started task holds its successor at a date that no pass
+/// changes.
+void Compiler::HoldFromActualStart(const Edge& edge) {
+  TaskFacts& facts = network_.facts[SlotOf(edge.to)];
+  try {
+    const std::int32_t bound =
+        LagEnd(network_, TaskAt(edge.from).actual_start.packed(),
+               calendars_.LagOf(*edge.link, TaskAt(edge.from), TaskAt(edge.to)));
+    std::int32_t& floor =
+        edge.link->type == LinkType::kStartToStart ? facts.link_floor : facts.link_finish_floor;
+    floor = std::max(floor, bound);
+  } catch (const OutsideCalendars& error) {
+    throw OutsideError(network_, SlotOf(edge.to), error);
+  }
+}
+
+void Compiler::MakeLinks() {
+  for (const Edge& edge : edges_) {
+    const Task& from = TaskAt(edge.from);
+    // Finished work drives nothing past the status date, and before it nothing is held anyway.
+    if (from.IsFinished() || IgnoresLinks(TaskAt(edge.to))) {
+      continue;
+    }
+    const bool from_start =
+        edge.link->type == LinkType::kStartToStart || edge.link->type == LinkType::kStartToFinish;
+    if (from_start && from.IsStarted() && !plan_.schedule.lag_from_early_start) {
+      HoldFromActualStart(edge);
+    } else {
+      open_edges_.push_back(edge);
+    }
+  }
+  const auto lag_of = [this](const Edge& edge) {
+    return calendars_.LagOf(*edge.link, TaskAt(edge.from), TaskAt(edge.to));
+  };
+  const auto make_in_link = [this, &lag_of](const Edge& edge) {
+    const LinkType type = edge.link->type;
+    const Slot from = SlotOf(edge.from);
+    const bool from_finish = type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish;
+    return InLink{from_finish ? FinishOf(from) : StartOf(from), lag_of(edge),
+                  type == LinkType::kFinishToFinish || type == LinkType::kStartToFinish,
+                  edge.order};
+  };
+  const auto make_out_link = [this, &lag_of](const Edge& edge) {
+    const LinkType type = edge.link->type;
+    return OutLink{SlotOf(edge.to), lag_of(edge),
+                   type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish,
+                   type == LinkType::kFinishToFinish || type == LinkType::kStartToFinish};
+  };
+  const auto to = [this](const Edge& edge) { return SlotOf(edge.to); };
+  const auto from = [this](const Edge& edge) { return SlotOf(edge.from); };
+  network_.in_links = GroupBy<InLink>(network_.open_count, open_edges_, to, make_in_link);
+  network_.out_links = GroupBy<OutLink>(network_.open_count, open_edges_, from, make_out_link);
+}
+
+void Compiler::MakeNodes() {
+  const Slot count = network_.open_count;
+  network_.nodes.resize(static_cast<std::size_t>(count) + 1);
+  network_.finish_floor.assign(static_cast<std::size_t>(count), kNoFloor);
+  network_.dirty.assign(static_cast<std::size_t>(count) / 64 + 1, 0);
+  Lists<InLink>& others = network_.other_links;
+  others.first.push_back(0);
+  std::vector<Slot> slots;
+  for (Slot slot = 0; slot < count; ++slot) {
+    const TaskFacts& facts = network_.facts[slot];
+    Node& node = network_.nodes[slot];
+    node.table = facts.table;
+    node.minutes = network_.tables[facts.table].CapMinutes(facts.remaining);
+    node.first_ref = static_cast<std::int32_t>(network_.start_refs.size());
+    for (const InLink& link : network_.in_links[slot]) {
+      if (link.lag.minutes == 0 && !link.to_finish) {
+        network_.start_refs.push_back(link.date);
+      } else {
+        others.items.push_back(link);
+      }
+    }
+    others.first.push_back(static_cast<std::int32_t>(others.items.size()));
+    slots.push_back(slot);
+  }
+  network_.nodes[count].first_ref = static_cast<std::int32_t>(network_.start_refs.size());
+  for (Slot slot = 0; slot < count; ++slot) {
+    ApplyConstraints(network_, slot);
+    network_.late_tasks += IsAsLateAsPossible(network_.facts[slot]) ? 1 : 0;
+  }
+  network_.table_tasks = GroupBy<Slot>(
+      static_cast<std::int32_t>(network_.tables.size()), slots,
+      [this](Slot slot) { return std::int32_t{network_.facts[slot].table}; },
+      [](Slot slot) { return slot; });
+}
+
+void Compiler::MakeSpans() {
+  const Slot efforts = network_.effort_count - network_.network_count;
+  const auto effort_of = [this](const Edge& edge) {
+    return SlotOf(IsSpan(edge.from) ? edge.from : edge.to) - network_.network_count;
+  };
+  network_.span_links =
+      GroupBy<SpanLink>(efforts, effort_edges_, effort_of, [this](const Edge& edge) {
+        const LinkType type = edge.link->type;
+        const bool other_comes_first = IsSpan(edge.to);
+        return SpanLink{SlotOf(other_comes_first ? edge.from : edge.to),
+                        calendars_.LagOf(*edge.link, TaskAt(edge.from), TaskAt(edge.to)),
+                        other_comes_first,
+                        type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish,
+                        type == LinkType::kFinishToFinish || type == LinkType::kStartToFinish};
+      });
+  network_.span_members.first.push_back(0);
+  for (Slot slot = network_.effort_count; slot < network_.task_count; ++slot) {
+    const Task& summary = TaskAt(network_.index_at[static_cast<std::size_t>(slot)]);
+    for (const TaskIndex member : members_of_[summary.uid]) {
+      network_.span_members.items.push_back(SlotOf(member));
+    }
+    network_.span_members.first.push_back(
+        static_cast<std::int32_t>(network_.span_members.items.size()));
+    if (summary.constraint.type != ConstraintType::kNone) {
+      network_.warnings.push_back(
+          fmt::format("The constraint of summary {} is left out: its dates are those of the tasks "
+                      "below it",
+                      summary.id));
+    }
+  }
+}
+
+}  // namespace
+
+Network CompileNetwork(const Plan& plan, const Scheduler::Participates& participates) {
+  return Compiler(plan, participates).Compile();
+}
+
+}  // namespace nimbrel::engine
