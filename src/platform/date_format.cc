@@ -154,7 +154,8 @@ std::string DefaultDateText(Date date, const Locale& locale) {
   }
   std::string text = Write(civil, locale.short_date, locale);
   if (civil.hour != 0 || civil.minute != 0 || civil.second != 0) {
-    text += " " + Write(civil, kTime, locale);
+    text += ' ';
+    text += Write(civil, kTime, locale);
   }
   return text;
 }

@@ -295,7 +295,8 @@ std::string DefaultNumberText(double value, const Locale& locale) {
   AppendPlaces(mantissa, pattern, locale, text);
   const std::string power = std::to_string(std::abs(exponent));
   text += exponent < 0 ? "E-" : "E+";
-  text += power.size() < 2 ? "0" + power : power;
+  text.append(power.size() < 2 ? 1 : 0, '0');
+  text += power;
   return text;
 }
 
