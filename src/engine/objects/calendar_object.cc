@@ -1,6 +1,8 @@
 #include "engine/objects/calendar_object.h"
 
-#include "platform/number.h"
+#include <algorithm>
+
+#include "engine/calendar/day_bits.h"
 #include "platform/runtime_error.h"
 
 namespace nimbrel::engine {
@@ -84,6 +86,8 @@ std::int32_t CalendarObject::WorkedDays(std::int32_t first, std::int32_t last) {
     WriteTakenDays();
   }
   // Counting days needs no compiled plan, which one under construction may not even allow.
+  first = std::max(first, kFirstCoveredDay);
+  last = std::min(last, kLastCoveredDay);
   std::int32_t worked = 0;
   for (std::int32_t day = first; day <= last; ++day) {
     worked += !PatternOn(data, day).empty() && !IsTaken(data, day) ? 1 : 0;
