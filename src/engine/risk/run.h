@@ -22,7 +22,8 @@ struct RunOptions {
   /// Processes that share the iterations; 1 runs in the calling process. No more are started than
   /// there is work for, nor more than kMaxWorkers. The result is the same for any number.
   std::int32_t workers = 1;
-  std::vector<Uid> asked;  // tasks whose dates are kept one by one; they must be scheduled ones
+  /// Tasks whose dates are kept one by one; they must be scheduled ones.
+  std::vector<Uid> asked = {};
 };
 
 inline constexpr std::int32_t kMaxWorkers = 256;
