@@ -142,14 +142,14 @@ class LatePass {
       SetLate(start, table.FinishAt(finish), start, table.StartAt(finish));
       return;
     }
-    const Instant ceiling = Unpack(std::min(ceilings.start, ceilings.finish));
     const TaskKind kind = network_.facts[slot_].kind;
-    const Instant latest = LatestWithoutWork(table, ceiling, kind);
-    const Instant limit = kind == TaskKind::kStartMilestone ? ceiling : latest;
+    const Instant latest =
+        LatestWithoutWork(table, Unpack(std::min(ceilings.start, ceilings.finish)), kind);
+    // Of the two moments of one position, show the one that the early date has.
     const Instant shown = finish == early_finish ? Unpack(network_.early[FinishOf(slot_)])
                           : kind == TaskKind::kStartMilestone ? latest
                                                               : table.FinishAt(finish);
-    SetLate(shown, shown, limit, limit);
+    SetLate(shown, shown, latest, latest);
   }
 
   void SetLate(Instant start, Instant finish, Instant start_limit, Instant finish_limit) {
@@ -184,12 +184,21 @@ LateDates LatestWithoutDelay(Network& network, Slot slot) {
   AddConstraints(network, slot, ceilings);
   WorkTable& table = network.TableOf(slot);
   const std::int32_t minutes = network.nodes[slot].minutes;
+  // A start that lies in a time without work would move on to where work goes on, which is too
+  // late: then it is the minute of work before.
   if (minutes == 0) {
-    const Instant latest = LatestWithoutWork(
-        table, Unpack(std::min(ceilings.start, ceilings.finish)), network.facts[slot].kind);
+    const Instant ceiling = Unpack(std::min(ceilings.start, ceilings.finish));
+    Instant latest = LatestWithoutWork(table, ceiling, network.facts[slot].kind);
+    if (latest.Minutes() > ceiling.Minutes()) {
+      latest = table.StartAt(table.Position(latest) - 1);
+    }
     return {latest, latest};
   }
-  const std::int32_t finish = FinishPosition(table, minutes, ceilings);
+  std::int32_t finish = FinishPosition(table, minutes, ceilings);
+  if (ceilings.start != kNoCeiling &&
+      table.StartAt(finish - minutes).Minutes() > Unpack(ceilings.start).Minutes()) {
+    --finish;
+  }
   return {table.StartAt(finish - minutes), table.FinishAt(finish)};
 }
 
