@@ -5,8 +5,10 @@
 #include <sstream>
 #include <system_error>
 
+#include "engine/formats/mspdi_project.h"
 #include "engine/formats/xer_project.h"
 #include "engine/formats/xer_table.h"
+#include "engine/formats/xml_file.h"
 
 namespace nimbrel::engine {
 namespace {
@@ -23,14 +25,22 @@ std::string ReadBytes(const std::filesystem::path& path) {
   return std::move(bytes).str();
 }
 
-bool IsXer(std::string_view bytes) {
-  const std::size_t text = bytes.find_first_not_of("\xEF\xBB\xBF \t\r\n");
-  return text != std::string_view::npos && bytes.substr(text).starts_with("ERMHDR");
-}
+enum class Format { kXer, kMspdi };
 
-[[noreturn]] void FailUnknownFormat(std::string_view bytes, const std::string& name) {
+/// Tells the formats apart by how the file begins.
+Format FormatOf(std::string_view bytes, const std::string& name) {
+  const std::string_view start = bytes.substr(0, 4096);
+  const std::size_t text = start.find_first_not_of("\xEF\xBB\xBF \t\r\n");
+  const std::string_view rest = text == std::string_view::npos ? "" : start.substr(text);
+  if (rest.starts_with("ERMHDR")) {
+    return Format::kXer;
+  }
+  // Two byte order marks of UTF-16 as well: the reader says what is wrong with them.
+  if (rest.starts_with('<') || rest.starts_with("\xFF\xFE") || rest.starts_with("\xFE\xFF")) {
+    return Format::kMspdi;
+  }
   throw FormatError(name, 1,
-                    "expected a plan that starts with ERMHDR, found " +
+                    "expected a plan that starts with ERMHDR or as XML, found " +
                         (bytes.empty() ? "nothing" : Quoted(bytes)));
 }
 
@@ -39,17 +49,15 @@ bool IsXer(std::string_view bytes) {
 ReadResult ReadPlanFile(const std::filesystem::path& path, const ReadOptions& options) {
   const std::string bytes = ReadBytes(path);
   const std::string name = path.filename().string();
-  if (IsXer(bytes)) {
-    return ReadXer(bytes, name, options);
-  }
-  FailUnknownFormat(bytes, name);
+  return FormatOf(bytes, name) == Format::kXer ? ReadXer(bytes, name, options)
+                                               : ReadMspdi(bytes, name, options);
 }
 
 std::vector<std::string> ListProjects(const std::filesystem::path& path) {
   const std::string bytes = ReadBytes(path);
   const std::string name = path.filename().string();
-  if (!IsXer(bytes)) {
-    FailUnknownFormat(bytes, name);
+  if (FormatOf(bytes, name) == Format::kMspdi) {
+    return {MspdiProjectName(XmlFile(bytes, name))};
   }
   std::vector<std::string> names;
   for (const XerProject& project : XerProjects(XerFile(bytes, name))) {

@@ -33,7 +33,7 @@ LagCalendar ReadLagCalendar(const XerRow& row, WarningList& warnings) {
     return LagCalendar::kElapsed;
   }
   if (!value.empty() && value != "rcal_Predecessor") {
-    warnings.Add("unknown calendar of lags " + Quoted(value) + ": taken as the predecessor's");
+    warnings.Add("unknown calendars of lags: the predecessor's is taken");
   }
   return LagCalendar::kPredecessor;
 }
@@ -47,7 +47,7 @@ FloatRule ReadFloatRule(const XerRow& row, WarningList& warnings) {
     return FloatRule::kSmaller;
   }
   if (!value.empty() && value != "FT_FF") {
-    warnings.Add("unknown kind of total float " + Quoted(value) + ": counted on the finish");
+    warnings.Add("unknown kinds of total float: it is counted on the finish");
   }
   return FloatRule::kFinish;
 }

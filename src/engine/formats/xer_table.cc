@@ -12,8 +12,9 @@
 namespace nimbrel::engine {
 namespace {
 
-/// Far more than any table has; bounds the time to find a field by its name.
+/// Far more than any file has; bounds the time to find a field or a table by its name.
 constexpr std::size_t kMostFields = 500;
+constexpr std::size_t kMostTables = 1000;
 
 std::vector<std::string_view> Split(std::string_view text) {
   std::vector<std::string_view> fields;
@@ -188,6 +189,9 @@ void XerFile::ReadLine(const Line& line, Table*& table, Line*& open) {
       Fail(line.number, "expected the name of a table, found nothing");
     }
     table = &tables_[table_name];
+    if (tables_.size() > kMostTables) {
+      Fail(line.number, "expected at most 1000 tables, found more");
+    }
     return;
   }
   if (HasMark(line.text, "%F")) {
