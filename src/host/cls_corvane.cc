@@ -31,26 +31,30 @@ void clsCorvane::StopCorvane() {
 }
 
 void clsCorvane::m_CorvyApp_PlanAfterRiskAnalysis(Ref<Corvane8::Plan> Plan) {
-  if (modGlobal::IsWeatherPlan(Plan) && handlers_.AfterRiskAnalysis) {
-    handlers_.AfterRiskAnalysis(Plan);
+  const Ref<Corvane8::Plan> oPlan = std::move(Plan);
+  if (modGlobal::IsWeatherPlan(oPlan) && handlers_.AfterRiskAnalysis) {
+    handlers_.AfterRiskAnalysis(oPlan);
   }
 }
 
 void clsCorvane::m_CorvyApp_PlanAfterRiskIteration(Ref<Corvane8::Plan> Plan, Long Iteration) {
-  if (modGlobal::IsWeatherPlan(Plan) && handlers_.AfterRiskIteration) {
-    handlers_.AfterRiskIteration(Plan, Iteration);
+  const Ref<Corvane8::Plan> oPlan = std::move(Plan);
+  if (modGlobal::IsWeatherPlan(oPlan) && handlers_.AfterRiskIteration) {
+    handlers_.AfterRiskIteration(oPlan, Iteration);
   }
 }
 
 void clsCorvane::m_CorvyApp_PlanBeforeRiskAnalysis(Ref<Corvane8::Plan> Plan) {
-  if (modGlobal::IsWeatherPlan(Plan) && handlers_.BeforeRiskAnalysis) {
-    handlers_.BeforeRiskAnalysis(Plan);
+  const Ref<Corvane8::Plan> oPlan = std::move(Plan);
+  if (modGlobal::IsWeatherPlan(oPlan) && handlers_.BeforeRiskAnalysis) {
+    handlers_.BeforeRiskAnalysis(oPlan);
   }
 }
 
 void clsCorvane::m_CorvyApp_PlanBeforeRiskIteration(Ref<Corvane8::Plan> Plan, Long Iteration) {
-  if (modGlobal::IsWeatherPlan(Plan) && handlers_.BeforeRiskIteration) {
-    handlers_.BeforeRiskIteration(Plan, Iteration);
+  const Ref<Corvane8::Plan> oPlan = std::move(Plan);
+  if (modGlobal::IsWeatherPlan(oPlan) && handlers_.BeforeRiskIteration) {
+    handlers_.BeforeRiskIteration(oPlan, Iteration);
   }
 }
 

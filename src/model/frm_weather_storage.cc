@@ -114,7 +114,7 @@ void frmWeatherStorage::AddWindowCalendar(const std::string& strName, bool bAddW
 }
 
 Ref<Corvane8::Task> frmWeatherStorage::AddEventTask(const Ref<Corvane8::Calendar>& cal) {
-  const Ref<Corvane8::Task> t = ActivePlan()->get_Tasks()->Add();
+  Ref<Corvane8::Task> t = ActivePlan()->get_Tasks()->Add();
   t->MoveUnder(0, m_taskWeather);
   t->put_Calendar(cal);
   t->get_UserFields()->SetValue(2, kSection, kTaskType, "1");

@@ -15,7 +15,7 @@ void HostSuite::Open(const PlanSpec& spec) {
 }
 
 Corvane8::Ref<Corvane8::Calendar> HostSuite::AddWeatherCalendar(const std::string& name) const {
-  const auto calendar = plan()->get_Calendars()->Add(name);
+  auto calendar = plan()->get_Calendars()->Add(name);
   const auto risk_calendar = plan()->get_RiskCalendars()->Add(name);
   risk_calendar->put_Calendar(calendar);
   risk_calendar->put_Description("Weather calendar");
