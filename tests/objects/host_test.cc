@@ -199,5 +199,20 @@ TEST_F(HostTest, RndReadsTheStreamOfTheRun) {
   EXPECT_EQ(analysis->get_Rnd(), 0.25);
 }
 
+TEST_F(HostTest, WhoOutlivesTheHostReadsTheHostsOwnStream) {
+  const auto analysis = plan()->get_RiskAnalysis();
+  host_->SetRandomStream(nullptr);
+  const double first = analysis->get_Rnd();
+  {
+    struct Constant : RandomStream {
+      double Next() override { return 0.75; }
+    } stream;
+    host_->SetRandomStream(&stream);
+    EXPECT_EQ(analysis->get_Rnd(), 0.75);
+    host_ = nullptr;
+  }
+  EXPECT_EQ(analysis->get_Rnd(), first);
+}
+
 }  // namespace
 }  // namespace nimbrel::engine

@@ -62,7 +62,7 @@ void ObjectsTest::Open(const std::vector<std::pair<std::string, int>>& specs) {
 }
 
 Ref<Corvane8::Calendar> ObjectsTest::AddWeather(const std::string& name, const std::string& task) {
-  const auto calendar = calendars()->Add(name);
+  auto calendar = calendars()->Add(name);
   risk_calendars()->Add(name)->put_Calendar(calendar);
   TaskOf(task)->get_RiskCalendars()->Add(name);
   return calendar;

@@ -109,6 +109,16 @@ TEST_F(TaskObjectTest, DatesAreTheEarlyOnesAndEndWithTheWork) {
   EXPECT_EQ(Finish("A"), January(5) + kEvening);
 }
 
+TEST_F(TaskObjectTest, AFinishAtTheEndOfADayIsTheMidnightThatFollows) {
+  Plan document = MakePlan();
+  document.AddCalendar(MakeWeekCalendar("AROUND THE CLOCK", 7, 24));
+  AddTask(document, "A", 3);  // 24 hours
+  Open(std::move(document));
+  TaskOf("A")->put_Calendar(calendars()->Item("AROUND THE CLOCK"));
+  EXPECT_EQ(Start("A"), January(4));
+  EXPECT_EQ(Finish("A"), January(5));
+}
+
 TEST_F(TaskObjectTest, ReadingADateSchedulesWhatHasChanged) {
   Open({{"A", 2}});
   EXPECT_EQ(Finish("A"), January(5) + kEvening);

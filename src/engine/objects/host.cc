@@ -13,7 +13,10 @@ using Corvane8::Long;
 using platform::Ref;
 
 Host::Host(HostOptions options) : options_(std::move(options)) {}
-Host::~Host() = default;
+
+Host::~Host() {
+  Close();
+}
 
 Ref<Host> MakeHost(Plan plan, HostOptions options) {
   auto host = platform::MakeRef<Host>(std::move(options));
@@ -34,6 +37,7 @@ Long Host::get_hWnd() {
 }
 
 void Host::Open(Plan plan) {
+  Close();
   session_ = platform::MakeRef<PlanSession>(
       std::move(plan), [carries_weather = options_.carries_weather](const Task& task) {
         return !carries_weather || !carries_weather(task);
@@ -41,7 +45,11 @@ void Host::Open(Plan plan) {
 }
 
 void Host::Close() {
-  session_ = nullptr;
+  if (session_) {
+    // Objects of the plan may be held for longer than the stream lives.
+    session_->SetRandomStream(nullptr);
+    session_ = nullptr;
+  }
 }
 
 PlanSession& Host::session() const {

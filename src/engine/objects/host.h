@@ -84,8 +84,9 @@ class Host final : public Corvane8::Application {
   void ApplySamples();
   /// ApplySamples, then a whole forward pass. Raises SchedulingError.
   void ScheduleIteration();
-  /// Where RiskAnalysis.Rnd takes its numbers from; stays the caller's. Null for the host's own
-  /// stream: a fixed sequence that begins anew at each call with null, for use outside a run.
+  /// Where RiskAnalysis.Rnd takes its numbers from, until the plan is closed or the host ends;
+  /// stays the caller's. Null for the host's own stream: a fixed sequence that begins anew at each
+  /// call with null, for use outside a run.
   void SetRandomStream(RandomStream* stream);
 
   // The events go to all subscribers in the order of their subscription. An error that one of them

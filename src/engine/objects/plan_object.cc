@@ -40,6 +40,17 @@ void RequireNewName(const Items& items, std::string_view name, const std::string
   }
 }
 
+/// References to the objects at the first `count` positions.
+template <class Interface, class ObjectAt>
+std::vector<Ref<Interface>> References(std::size_t count, const ObjectAt& object_at) {
+  std::vector<Ref<Interface>> references;
+  references.reserve(count);
+  for (std::size_t position = 0; position < count; ++position) {
+    references.push_back(object_at(static_cast<std::int32_t>(position)));
+  }
+  return references;
+}
+
 /// Runs what may schedule; a SchedulingError leaves as a RuntimeError.
 template <class Operation>
 void GuardedForPlan(const Plan& plan, const Operation& operation) {
@@ -129,13 +140,9 @@ void PlanTasksObject::Remove(const Variant& key) {
 }
 
 std::vector<Ref<Corvane8::Task>> PlanTasksObject::Elements() {
-  std::vector<Ref<Corvane8::Task>> elements;
-  const auto count = static_cast<std::int32_t>(session().plan().tasks().size());
-  elements.reserve(static_cast<std::size_t>(count));
-  for (std::int32_t position = 0; position < count; ++position) {
-    elements.push_back(session().TaskAt(position).Share());
-  }
-  return elements;
+  return References<Corvane8::Task>(session().plan().tasks().size(), [this](std::int32_t position) {
+    return session().TaskAt(position).Share();
+  });
 }
 
 // Calendars.
@@ -171,12 +178,9 @@ void PlanCalendarsObject::Remove(const Variant& key) {
 }
 
 std::vector<Ref<Corvane8::Calendar>> PlanCalendarsObject::Elements() {
-  std::vector<Ref<Corvane8::Calendar>> elements;
-  const auto count = static_cast<std::int32_t>(session().plan().calendars.size());
-  for (std::int32_t position = 0; position < count; ++position) {
-    elements.push_back(session().CalendarAt(position).Share());
-  }
-  return elements;
+  return References<Corvane8::Calendar>(
+      session().plan().calendars.size(),
+      [this](std::int32_t position) { return session().CalendarAt(position).Share(); });
 }
 
 // Risk calendars.
@@ -204,12 +208,9 @@ void PlanRiskCalendarsObject::Remove(const Variant& key) {
 }
 
 std::vector<Ref<Corvane8::RiskCalendar>> PlanRiskCalendarsObject::Elements() {
-  std::vector<Ref<Corvane8::RiskCalendar>> elements;
-  const auto count = static_cast<std::int32_t>(session().plan().risk_calendars.size());
-  for (std::int32_t position = 0; position < count; ++position) {
-    elements.push_back(session().RiskCalendarAt(position).Share());
-  }
-  return elements;
+  return References<Corvane8::RiskCalendar>(
+      session().plan().risk_calendars.size(),
+      [this](std::int32_t position) { return session().RiskCalendarAt(position).Share(); });
 }
 
 // The plan.
