@@ -1,0 +1,156 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/schedule/small_plan.h"
+
+// Dates are worked out by hand on the calendar of March 2027, whose first day is a Monday.
+namespace nimbrel::test {
+namespace {
+
+using engine::ConstraintType;
+using engine::Instant;
+using engine::LinkType;
+using engine::ProgressRule;
+using engine::Task;
+using ::testing::IsEmpty;
+
+constexpr std::int32_t kMonday = SmallPlan::kMonday;
+
+/// The data date is the second Monday, 8 March.
+class Progress : public ::testing::Test {
+ protected:
+  Progress() { small.plan.data_date = {kMonday + 7, 480}; }
+
+  Task& AddStarted(const std::string& id, double remaining_days) {
+    Task& task = small.Add(id, remaining_days);
+    task.actual_start = {kMonday + 1, 480};
+    return task;
+  }
+  Task& AddFinished(const std::string& id) {
+    Task& task = small.Add(id, 0);
+    task.actual_start = {kMonday, 480};
+    task.actual_finish = {kMonday + 2, 1020};
+    return task;
+  }
+
+  SmallPlan small;
+};
+
+TEST_F(Progress, WhatRemainsStartsOnTheDataDate) {
+  AddStarted("A", 2);
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("A"), "2027-03-08T08:00 to 2027-03-09T17:00");
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
+TEST_F(Progress, WhatRemainsOfSuspendedWorkStartsWhenItIsResumed) {
+  Task& task = AddStarted("A", 2);
+  task.suspended = {kMonday + 3, 480};
+  task.resumed = {kMonday + 9, 780};
+  EXPECT_EQ(Scheduled(small).Early("A"), "2027-03-10T13:00 to 2027-03-12T12:00");
+}
+
+TEST_F(Progress, FinishedTasksKeepTheirDatesAndHaveNoLateOnes) {
+  AddFinished("A");
+  small.Add("B", 1);
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("A"), "2027-03-01T08:00 to 2027-03-03T17:00");
+  EXPECT_EQ(scheduled.Late("A"), " to ");
+  EXPECT_EQ(scheduled.TotalFloatDays("A"), 0);
+  EXPECT_FALSE(scheduled.scheduler.is_critical(scheduled.At("A")));
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
+TEST_F(Progress, NothingIsSetOnAFinishedTask) {
+  AddFinished("A");
+  Scheduled scheduled(small);
+  scheduled.scheduler.SetRemaining(scheduled.At("A"), 480);
+  scheduled.scheduler.SetConstraint(scheduled.At("A"),
+                                    {ConstraintType::kStartNoEarlier, {kMonday + 20, 480}});
+  scheduled.scheduler.ScheduleForward();
+  EXPECT_EQ(scheduled.scheduler.remaining(scheduled.At("A")), 0);
+  EXPECT_EQ(scheduled.Early("A"), "2027-03-01T08:00 to 2027-03-03T17:00");
+}
+
+TEST_F(Progress, AFinishedPredecessorNeverDrivesPastTheDataDate) {
+  AddFinished("A").actual_finish = {kMonday + 10, 1020};
+  small.Add("B", 1);
+  small.Join("A", "B", LinkType::kFinishToStart, 3);
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-08T08:00 to 2027-03-08T17:00");
+  EXPECT_THAT(scheduled.scheduler.DrivingPredecessors(scheduled.At("B")), IsEmpty());
+}
+
+TEST_F(Progress, AFinishedSuccessorLimitsNoLateDate) {
+  small.Add("A", 1);
+  AddFinished("B");
+  small.Add("long", 5);
+  small.Join("A", "B");
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.TotalFloatDays("A"), 4);
+  EXPECT_EQ(scheduled.FreeFloatDays("A"), 4);
+}
+
+TEST_F(Progress, RetainedLogicHoldsWhatRemainsForPredecessors) {
+  small.Add("A", 3);
+  AddStarted("B", 2);
+  small.Join("A", "B");
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-11T08:00 to 2027-03-12T17:00");
+  EXPECT_EQ(scheduled.TotalFloatDays("A"), 0);
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
+TEST_F(Progress, OverrideLetsWhatRemainGoAheadOfPredecessors) {
+  for (const ProgressRule rule : {ProgressRule::kProgressOverride, ProgressRule::kActualDates}) {
+    SmallPlan copy = small;
+    small.plan.schedule.progress = rule;
+    small.Add("A", 3);
+    AddStarted("B", 2);
+    small.Join("A", "B");
+    const Scheduled scheduled(small);
+    EXPECT_EQ(scheduled.Early("B"), "2027-03-08T08:00 to 2027-03-09T17:00");
+    EXPECT_EQ(scheduled.Late("A"), "2027-03-08T08:00 to 2027-03-10T17:00");
+    EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+    small = copy;
+  }
+}
+
+TEST_F(Progress, AStartConstraintHoldsWhatRemainsOfAStartedTask) {
+  for (const ConstraintType type : {ConstraintType::kStartOn, ConstraintType::kStartNoEarlier,
+                                    ConstraintType::kMandatoryStart}) {
+    SmallPlan copy = small;
+    AddStarted("A", 2).constraint = {type, {kMonday + 9, 480}};
+    const Scheduled scheduled(small);
+    EXPECT_EQ(scheduled.Early("A"), "2027-03-10T08:00 to 2027-03-11T17:00");
+    EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+    small = copy;
+  }
+}
+
+TEST_F(Progress, AStartNoLaterConstraintIsKeptByATaskThatStarted) {
+  AddStarted("A", 2).constraint = {ConstraintType::kStartNoLater, {kMonday + 1, 480}};
+  EXPECT_EQ(Scheduled(small).TotalFloatDays("A"), 0);
+}
+
+TEST_F(Progress, ALagFromAStartedPredecessorCountsFromItsEarlyOrItsActualStart) {
+  AddStarted("A", 3);  // started on Tuesday the 2nd
+  small.Add("B", 1);
+  small.Join("A", "B", LinkType::kStartToStart, 6);
+  EXPECT_EQ(Scheduled(small).Early("B"), "2027-03-16T08:00 to 2027-03-16T17:00");
+  small.plan.schedule.lag_from_early_start = false;
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-10T08:00 to 2027-03-10T17:00");
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
+TEST_F(Progress, EveryDayCountsAsWorkedForAFinishedTask) {
+  AddFinished("A");
+  AddStarted("B", 1);
+  const Scheduled scheduled(small);
+  EXPECT_TRUE(scheduled.scheduler.HasWorkOn(scheduled.At("A"), kMonday + 5));
+  EXPECT_FALSE(scheduled.scheduler.HasWorkOn(scheduled.At("B"), kMonday + 5));
+}
+
+}  // namespace
+}  // namespace nimbrel::test
