@@ -106,12 +106,13 @@ void AddTasks(const GeneratorOptions& options, Generator& random, Plan& plan) {
     for (const std::int32_t member : EventCalendarsOf(combination, options)) {
       task.risk_calendars.push_back({plan.risk_calendars[static_cast<std::size_t>(member)].uid, 0});
     }
-    const double likely = 2 + random.Below(19);
+    const bool is_lift = random.Happens(options.no_split_share);
+    const double likely = is_lift ? 1 + random.Below(3) : 2 + random.Below(19);
     task.remaining_minutes = static_cast<std::int32_t>(likely) * kMinutesPerWorkday;
     task.original_minutes = task.remaining_minutes;
     task.range =
         engine::ThreePoint{likely * 0.75, likely, likely * 1.5, engine::Shape::kTriangular};
-    if (random.Happens(options.no_split_share)) {
+    if (is_lift) {
       task.user_values.push_back({"weather", "nosplit", "True"});
     }
     plan.AddTask(task);

@@ -19,7 +19,7 @@ struct GeneratorOptions {
   std::int32_t combinations = 20;    // of a base calendar and event calendars, on the tasks
   double likely_weather_days = 6;    // of each month's period
   double event_probability = 100;    // percent; below 100 the days of a period come in one block
-  double no_split_share = 0;         // of the tasks
+  double no_split_share = 0;         // of the tasks: lifts that likely take 1 to 3 days
 };
 
 /// Makes a plan of layers of tasks in days of 8 hours from 1 March 2027 on, each task with a

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <vector>
@@ -72,6 +73,27 @@ TEST(UniformAt, IsUniformOverIterationsAndOverStreams) {
   const auto identity = [](double x) { return x; };
   EXPECT_LT(KolmogorovDistance(over_iterations, identity), kKolmogorovLimit);
   EXPECT_LT(KolmogorovDistance(over_streams, identity), kKolmogorovLimit);
+}
+
+TEST(UniformsAt, GivesWhatUniformAtGives) {
+  std::uint32_t lower[kStreamsAtATime];
+  std::uint32_t upper[kStreamsAtATime];
+  for (std::size_t i = 0; i < kStreamsAtATime; ++i) {
+    lower[i] = static_cast<std::uint32_t>(i * 2654435761U);
+    upper[i] = static_cast<std::uint32_t>(~i * 40503U);
+  }
+  for (const std::uint64_t seed : {std::uint64_t{0}, ~std::uint64_t{0}, std::uint64_t{12345}}) {
+    for (const std::int32_t iteration : {1, 77, 1'000'000}) {
+      for (const Purpose purpose : {Purpose::kDuration, Purpose::kOccurrence}) {
+        double numbers[kStreamsAtATime];
+        UniformsAt(seed, iteration, purpose, lower, upper, numbers);
+        for (std::size_t i = 0; i < kStreamsAtATime; ++i) {
+          const std::uint64_t stream = (std::uint64_t{upper[i]} << 32) | lower[i];
+          EXPECT_EQ(numbers[i], UniformAt(seed, iteration, stream, purpose));
+        }
+      }
+    }
+  }
 }
 
 std::vector<double> Read(RunStream& stream, std::int32_t iteration, int count) {

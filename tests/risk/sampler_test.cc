@@ -50,6 +50,26 @@ TEST(Sampler, ATaskWithARangeGetsAnotherSampleInEachIteration) {
   EXPECT_LE(*drawn.rbegin(), 9);
 }
 
+TEST(Sampler, ASampleIsTheInverseOfTheNumberThatBelongsToTheTask) {
+  // More tasks than are drawn together, of all shapes in turn.
+  WeatherPlan plan;
+  for (int i = 0; i < 200; ++i) {
+    plan.AddTask("T" + std::to_string(i),
+                 {1.0 + i % 7, 4.0 + i % 5, 9.0 + i % 11, static_cast<Shape>(i % 4)});
+  }
+  const Sampler sampler(plan.plan);
+  IterationSamples samples;
+  sampler.Prepare(samples);
+  sampler.Sample(9, 3, samples);
+  PertTables tables;
+  for (std::size_t i = 0; i < 200; ++i) {
+    const Task& task = plan.plan.tasks()[i];
+    EXPECT_EQ(
+        samples.units[i],
+        Distribution(*task.range, tables).Sample(UniformAt(9, 3, task.stream, Purpose::kDuration)));
+  }
+}
+
 TEST(Sampler, ATaskWithoutARangeTakesWhatRemains) {
   WeatherPlan plan(TimeUnit::kHours);
   plan.AddTask("A", 12);

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <array>
+#include <cmath>
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <vector>
 
 #include "engine/plan/plan.h"
 #include "engine/risk/beta.h"
@@ -20,6 +19,21 @@ class PertTables {
 
  private:
   std::map<double, std::unique_ptr<BetaTable>> tables_;
+};
+
+/// The inverse Cdf of a triangular distribution: the rising side up to the mode, the falling side
+/// behind it.
+struct Triangle {
+  double split = 0;                         // the Cdf at the mode
+  double minimum = 0, rising_product = 0;   // width * (mode - minimum)
+  double maximum = 0, falling_product = 0;  // width * (maximum - mode)
+
+  double Sample(double u) const {
+    const bool rising = u < split;
+    const double reach =
+        std::sqrt((rising ? rising_product : falling_product) * (rising ? u : 1.0 - u));
+    return rising ? minimum + reach : maximum - reach;
+  }
 };
 
 /// A three-point estimate as an inverse Cdf: one uniform number gives one sample, and a greater one
@@ -44,16 +58,16 @@ class Distribution {
   /// The sample for 0 <= u < 1. The same bits on every machine.
   double Sample(double u) const;
 
+  /// The triangle, if the distribution is one, else null.
+  const Triangle* AsTriangle() const { return kind_ == Kind::kTriangle ? &triangle_ : nullptr; }
+
  private:
   enum class Kind : std::uint8_t { kConstant, kLine, kTriangle, kPert };
 
   Kind kind_ = Kind::kConstant;
   double base_ = 0;   // the constant; the minimum
   double width_ = 0;  // maximum less minimum
-  double split_ = 0;  // of a triangle: its Cdf at the mode
-  // The two sides of a triangle, the rising one second: end + sign * sqrt(product * tail).
-  std::array<double, 2> end_{};
-  std::array<double, 2> product_{};
+  Triangle triangle_;
   const BetaTable* table_ = nullptr;
 };
 

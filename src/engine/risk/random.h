@@ -21,6 +21,13 @@ enum class Purpose : std::uint32_t {
 double UniformAt(std::uint64_t seed, std::int32_t iteration, std::uint64_t stream, Purpose purpose,
                  std::uint32_t index = 0);
 
+/// Streams whose numbers are made together by UniformsAt.
+inline constexpr std::size_t kStreamsAtATime = 32;
+
+/// UniformAt with index 0 for kStreamsAtATime streams, given by their lower and upper words.
+void UniformsAt(std::uint64_t seed, std::int32_t iteration, Purpose purpose,
+                const std::uint32_t* lower, const std::uint32_t* upper, double* numbers);
+
 /// The stream behind RiskAnalysis.Rnd: one for each iteration of a seed.
 class RunStream final : public RandomStream {
  public:

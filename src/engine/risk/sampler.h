@@ -7,6 +7,7 @@
 #include "engine/objects/host.h"
 #include "engine/plan/plan.h"
 #include "engine/risk/distributions.h"
+#include "engine/risk/random.h"
 
 namespace nimbrel::engine {
 
@@ -36,6 +37,7 @@ class Sampler {
   void Sample(std::uint64_t seed, std::int32_t iteration, IterationSamples& samples) const;
 
  private:
+  /// A task that may not occur.
   struct Risk {
     std::size_t position;
     std::uint64_t stream;
@@ -43,15 +45,32 @@ class Sampler {
     double otherwise;    // the sample if it occurs, unless a distribution wrote it already
     bool has_distribution;
   };
-  struct Draw {
-    std::size_t position;
-    std::uint64_t stream;
-    Distribution distribution;
+  /// Draws that are made together. Beyond the last one stand streams that nobody takes.
+  struct Batch {
+    std::size_t count = 0;
+    std::uint32_t stream_lower[kStreamsAtATime] = {};
+    std::uint32_t stream_upper[kStreamsAtATime] = {};
+    std::size_t position[kStreamsAtATime] = {};
   };
+  /// The triangles of a batch, a column for each number.
+  struct Triangles : Batch {
+    double split[kStreamsAtATime] = {};
+    double minimum[kStreamsAtATime] = {};
+    double rising_product[kStreamsAtATime] = {};
+    double maximum[kStreamsAtATime] = {};
+    double falling_product[kStreamsAtATime] = {};
+  };
+  struct Others : Batch {
+    std::vector<Distribution> distributions;
+  };
+
+  void AddDraw(const Task& task, std::size_t position, const Distribution& distribution);
+  static void SampleTriangles(const Triangles& triangles, const double* uniform, double* samples);
 
   PertTables tables_;
   std::vector<double> fixed_;
-  std::vector<Draw> draws_;
+  std::vector<Triangles> triangles_;
+  std::vector<Others> others_;
   std::vector<Risk> risks_;
 };
 
