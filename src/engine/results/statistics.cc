@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 namespace nimbrel::engine {
 namespace {
@@ -28,26 +29,41 @@ double Deviation(const Sums& sums, std::int64_t count) {
                    (static_cast<double>(count) * static_cast<double>(count - 1)));
 }
 
-Sums SumFrom(std::int64_t base, std::span<const Instant> samples) {
+/// Sums over the samples' distances in minutes from the least of them.
+Sums SumFrom(Instant least, std::span<const Instant> samples) {
   Sums sums;
-  // The squares of 1,024 lengths below 200 years stay within 64 bits.
+  // Distances below 2^27 (255 years): the squares of 1,024 of them stay within 64 bits.
   constexpr std::size_t kChunk = 1024;
   for (std::size_t begin = 0; begin < samples.size(); begin += kChunk) {
+    std::uint64_t sum = 0;
     std::uint64_t squares = 0;
     for (const Instant sample : samples.subspan(begin, std::min(kChunk, samples.size() - begin))) {
-      const std::int64_t length = sample.Minutes() - base;
-      sums.sum += length;
-      squares += static_cast<std::uint64_t>(length * length);
+      const auto length = static_cast<std::uint32_t>((sample.day() - least.day()) * kMinutesPerDay +
+                                                     sample.minute() - least.minute());
+      sum += length;
+      squares += std::uint64_t{length} * length;
     }
+    sums.sum += static_cast<std::int64_t>(sum);
     sums.squares += squares;
   }
   return sums;
 }
 
-/// As many buckets as make them hold two samples on average, within bounds, as a power of two.
+/// The least and the greatest sample, packed.
+std::pair<std::int32_t, std::int32_t> Bounds(std::span<const Instant> samples) {
+  std::int32_t least = samples.front().packed();
+  std::int32_t greatest = least;
+  for (const Instant sample : samples) {
+    least = std::min(least, sample.packed());
+    greatest = std::max(greatest, sample.packed());
+  }
+  return {least, greatest};
+}
+
+/// As many buckets as make them hold four samples on average, within bounds, as a power of two.
 int BucketBits(std::size_t samples) {
   int bits = 4;
-  while (bits < 12 && (samples >> (bits + 1)) != 0) {
+  while (bits < 12 && (samples >> (bits + 2)) != 0) {
     ++bits;
   }
   return bits;
@@ -113,40 +129,58 @@ RankInterval QuantileInterval(std::int64_t count, int percent) {
 
 void DateSummarizer::Select(std::span<const Instant> samples, std::span<const std::int64_t> ranks,
                             std::span<Instant> values) {
-  const auto packed_less = [](Instant a, Instant b) { return a.packed() < b.packed(); };
-  const auto [low, high] = std::minmax_element(samples.begin(), samples.end(), packed_less);
-  const std::int32_t least = low->packed();
-  const auto width = static_cast<std::uint32_t>(high->packed() - least);
+  const auto [least, greatest] = Bounds(samples);
+  const auto width = static_cast<std::uint32_t>(greatest - least);
   const int bits = BucketBits(samples.size());
   int shift = 0;
   while ((width >> shift) >> bits != 0) {
     ++shift;
   }
-  const auto bucket_of = [least, shift](Instant sample) {
+  // Count the samples by bucket; then only the buckets in which a rank falls need to be looked at.
+  const auto bucket_of = [least = least, shift](Instant sample) {
     return static_cast<std::size_t>(static_cast<std::uint32_t>(sample.packed() - least) >> shift);
   };
-
-  // One pass of a bucket sort, then a selection within the buckets that are asked for.
-  bucket_ends_.assign((std::size_t{1} << bits) + 1, 0);
+  buckets_.assign(std::size_t{1} << bits, {});
   for (const Instant sample : samples) {
-    ++bucket_ends_[bucket_of(sample) + 1];
+    ++buckets_[bucket_of(sample)].count;
   }
-  for (std::size_t i = 1; i < bucket_ends_.size(); ++i) {
-    bucket_ends_[i] += bucket_ends_[i - 1];
-  }
-  bucketed_.resize(samples.size());
-  for (const Instant sample : samples) {
-    bucketed_[static_cast<std::size_t>(bucket_ends_[bucket_of(sample)]++)] = sample;
-  }
-  std::size_t bucket = 0;  // entry i has become the end of bucket i
-  for (std::size_t i = 0; i < ranks.size(); ++i) {
-    while (bucket_ends_[bucket] <= ranks[i]) {
-      ++bucket;
+  kept_.resize(samples.size());
+  std::int32_t before = 0;  // samples in the buckets in front
+  std::int32_t kept = 0;
+  std::size_t next = 0;  // rank to be found
+  for (Bucket& bucket : buckets_) {
+    if (next < ranks.size() && ranks[next] < before + bucket.count) {
+      bucket.place = kept;
+      bucket.before = before;
+      kept += bucket.count;
+      while (next < ranks.size() && ranks[next] < before + bucket.count) {
+        ++next;
+      }
     }
-    const auto begin = bucketed_.begin() + (bucket == 0 ? 0 : bucket_ends_[bucket - 1]);
-    const auto nth = bucketed_.begin() + ranks[i];
-    std::nth_element(begin, nth, bucketed_.begin() + bucket_ends_[bucket], packed_less);
-    values[i] = *nth;
+    before += bucket.count;
+  }
+  for (const Instant sample : samples) {
+    Bucket& bucket = buckets_[bucket_of(sample)];
+    if (bucket.place >= 0) {
+      kept_[static_cast<std::size_t>(bucket.place++)] = sample;
+    }
+  }
+  SelectKept(ranks, values);
+}
+
+/// Sorts the buckets that were kept, and takes the samples of the ranks from them.
+void DateSummarizer::SelectKept(std::span<const std::int64_t> ranks, std::span<Instant> values) {
+  std::size_t next = 0;
+  for (const Bucket& bucket : buckets_) {
+    if (bucket.place < 0) {
+      continue;
+    }
+    const auto end = kept_.begin() + bucket.place;
+    const auto begin = end - bucket.count;
+    std::sort(begin, end, [](Instant a, Instant b) { return a.packed() < b.packed(); });
+    for (; next < ranks.size() && ranks[next] < bucket.before + bucket.count; ++next) {
+      values[next] = begin[ranks[next] - bucket.before];
+    }
   }
 }
 
@@ -185,7 +219,7 @@ DateStatistics DateSummarizer::Summarize(std::span<const Instant> samples, bool 
   }
 
   const std::int64_t base = result.min.Minutes();
-  const Sums sums = SumFrom(base, samples);
+  const Sums sums = SumFrom(result.min, samples);
   const Instant mean =
       Instant::FromMinutes(base + (2 * sums.sum + result.count) / (2 * result.count));
   result.mean = as_finish ? mean.AsFinish() : mean;

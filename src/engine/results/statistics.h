@@ -55,8 +55,17 @@ class DateSummarizer {
   void Select(std::span<const Instant> samples, std::span<const std::int64_t> ranks,
               std::span<Instant> values);
 
-  std::vector<std::int32_t> bucket_ends_;
-  std::vector<Instant> bucketed_;
+  void SelectKept(std::span<const std::int64_t> ranks, std::span<Instant> values);
+
+  /// Samples of about the same value. One that holds a wanted rank is kept: its samples go to
+  /// `kept_`, and `place` moves from the first one's place there to behind the last one's.
+  struct Bucket {
+    std::int32_t count = 0;
+    std::int32_t place = -1;  // -1: not kept
+    std::int32_t before = 0;  // samples in the buckets in front
+  };
+  std::vector<Bucket> buckets_;
+  std::vector<Instant> kept_;
   std::int64_t interval_count_ = 0;  // what interval_ is for
   RankInterval interval_;
 };
