@@ -59,28 +59,44 @@ WorkCalendar::WorkCalendar(const CalendarDefinition& definition) : name_(definit
   for (std::size_t weekday = 0; weekday < week.size(); ++weekday) {
     week[weekday] = kinds.KindOf(definition.week[weekday]);
   }
-  kind_of_day_.resize(kLastCoveredDay - kFirstCoveredDay + 1);
-  auto exception = definition.exceptions.lower_bound(kFirstCoveredDay);
-  for (std::int32_t day = kFirstCoveredDay; day <= kLastCoveredDay; ++day) {
-    std::int32_t kind = week[static_cast<std::size_t>(WeekdayOf(day))];
-    if (exception != definition.exceptions.end() && exception->first == day) {
-      kind = kinds.KindOf(exception->second);
-      ++exception;
+  // Exceptions first: their kinds decide whether all days have the same hours.
+  std::map<std::int32_t, std::int32_t> kind_of_exception;
+  for (const auto& [day, pattern] : definition.exceptions) {
+    if (day >= kFirstCoveredDay && day <= kLastCoveredDay) {
+      kind_of_exception[day] = kinds.KindOf(pattern);
     }
+  }
+  OpenWeeks(week);
+  for (const auto& [day, kind] : kind_of_exception) {
+    open_.Remove(day, day);
     if (kind >= 0) {
       open_.Add(day, day);
+    }
+    if (kind >= 0 && !is_uniform()) {
       kind_of_day_[static_cast<std::size_t>(day - kFirstCoveredDay)] =
           static_cast<std::uint16_t>(kind);
     }
-  }
-  if (is_uniform()) {
-    kind_of_day_ = {};
   }
   worked_ = open_;
   for (const DayRange& range : definition.taken) {
     TakeDays(range.first, range.last);
   }
   ForgetChanges();
+}
+
+void WorkCalendar::OpenWeeks(const std::array<std::int32_t, 7>& kinds) {
+  if (!is_uniform()) {
+    kind_of_day_.resize(kLastCoveredDay - kFirstCoveredDay + 1);
+  }
+  auto weekday = static_cast<std::size_t>(WeekdayOf(kFirstCoveredDay));
+  for (std::int32_t at = 0; at <= kLastCoveredDay - kFirstCoveredDay; ++at) {
+    const std::int32_t kind = kinds[weekday];
+    open_.Word(at >> 6) |= std::uint64_t{kind >= 0} << (at & 63);
+    if (!is_uniform() && kind >= 0) {
+      kind_of_day_[static_cast<std::size_t>(at)] = static_cast<std::uint16_t>(kind);
+    }
+    weekday = weekday == 6 ? 0 : weekday + 1;
+  }
 }
 
 void WorkCalendar::NoteChange(std::int32_t word, std::uint64_t days) {

@@ -63,6 +63,8 @@ class WorkCalendar {
   }
 
  private:
+  /// Fills in the covered days by the kinds of the weekdays, Monday first; -1 is without work.
+  void OpenWeeks(const std::array<std::int32_t, 7>& kinds);
   void NoteChange(std::int32_t word, std::uint64_t days);
 
   std::string name_;

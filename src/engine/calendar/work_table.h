@@ -43,6 +43,18 @@ class WorkTable {
   std::int32_t first_day() const { return first_day_; }
   std::int32_t last_day() const { return first_day_ + limit_ - 1; }
 
+  /// Whether the day has work by all sources as they stand now, taken over or not.
+  bool IsWorked(std::int32_t day) const {
+    for (const DayBits* source : sources_) {
+      if (!source->Test(day)) {
+        return false;
+      }
+    }
+    return true;
+  }
+  /// The hours of a day that is worked.
+  const DayHours& HoursOn(std::int32_t day) const { return hours_->HoursOn(day); }
+
   /// Minutes of work before the moment. Raises OutsideCalendars.
   std::int32_t Position(Instant moment);
   /// When the work after the position begins, and when the work before it ends. Raise
@@ -52,9 +64,10 @@ class WorkTable {
     return Instant::FromPacked(MinuteAt(position - 1).packed() + 1);
   }
   /// The number of minutes, or less of them where even less would leave every table. Minutes that
-  /// are added to a position must have gone through this.
+  /// are added to a position must have gone through this, unless they are at most kAnyMinutes.
+  static constexpr std::int32_t kAnyMinutes = 65536;
   std::int32_t CapMinutes(std::int32_t minutes) const {
-    const std::int32_t cap = uniform_ ? 65536 * minutes_per_day_ : 65536 * kMinutesPerDay;
+    const std::int32_t cap = kAnyMinutes * (uniform_ ? minutes_per_day_ : kMinutesPerDay);
     return minutes > cap ? cap : minutes < -cap ? -cap : minutes;
   }
   /// Start and finish of so many minutes of work, at least one, that begin at the moment or later.

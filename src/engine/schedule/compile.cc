@@ -228,9 +228,6 @@ TaskFacts Compiler::FactsOf(const Task& task) {
   if (facts.is_started && !task.resumed.IsAbsent()) {
     facts.own_floor = std::max(facts.own_floor, task.resumed.packed());
   }
-  if (task.kind == TaskKind::kTask || task.kind == TaskKind::kLevelOfEffort) {
-    facts.remaining = facts.is_finished ? 0 : std::max(plan_.LikelyMinutes(task), 0);
-  }
   return facts;
 }
 
@@ -247,6 +244,9 @@ void Compiler::MakeFacts() {
   for (Slot slot = 0; slot < network_.task_count; ++slot) {
     const Task& task = TaskAt(network_.index_at[static_cast<std::size_t>(slot)]);
     network_.facts.push_back(FactsOf(task));
+    const bool has_work = !task.IsFinished() &&
+                          (task.kind == TaskKind::kTask || task.kind == TaskKind::kLevelOfEffort);
+    network_.remaining.push_back(has_work ? std::max(plan_.LikelyMinutes(task), 0) : 0);
     if (task.IsFinished() && task.kind != TaskKind::kSummary) {
       network_.early[StartOf(slot)] =
           (task.IsStarted() ? task.actual_start : task.actual_finish).packed();
@@ -324,7 +324,9 @@ void Compiler::MakeNodes() {
     const TaskFacts& facts = network_.facts[slot];
     Node& node = network_.nodes[slot];
     node.table = facts.table;
-    node.minutes = network_.tables[facts.table].CapMinutes(facts.remaining);
+    node.minutes =
+        network_.tables[facts.table].CapMinutes(network_.remaining[static_cast<std::size_t>(slot)]);
+    node.is_milestone = facts.kind != TaskKind::kTask;
     node.first_ref = static_cast<std::int32_t>(network_.start_refs.size());
     for (const InLink& link : network_.in_links[slot]) {
       if (link.lag.minutes == 0 && !link.to_finish) {

@@ -36,8 +36,9 @@ struct Node {
   std::int32_t minutes = 0;       // of work that remain
   std::int32_t first_ref = 0;     // in Network::start_refs; the next node's is the end
   std::uint16_t table = 0;        // in Network::tables
-  bool is_general = false;        // has more to it than `floor` and the dates in start_refs
-  bool is_mandatory = false;      // its links do not hold
+  bool is_general : 1 = false;    // has more to it than `floor` and the dates in start_refs
+  bool is_mandatory : 1 = false;  // its links do not hold
+  bool is_milestone : 1 = false;  // never has work
 };
 
 /// A lag to walk: on one of Network::lag_tables, or around the clock.
@@ -84,7 +85,6 @@ struct TaskFacts {
   std::int32_t own_floor = kNoFloor;   // the status date, or when suspended work resumes
   std::int32_t link_floor = kNoFloor;  // of links from actual dates, which never change
   std::int32_t link_finish_floor = kNoFloor;
-  std::int32_t remaining = 0;
 };
 
 /// Lists of different lengths, one after the other.
@@ -137,6 +137,7 @@ struct Network {
 
   // Structure, by slot.
   std::vector<TaskFacts> facts;
+  std::vector<std::int32_t> remaining;     // minutes, as they were set
   std::vector<Node> nodes;                 // of unfinished tasks, and one more
   std::vector<std::int32_t> finish_floor;  // of unfinished tasks
   std::vector<std::int32_t> start_refs;    // dates before which a task cannot start

@@ -26,12 +26,6 @@ struct Scheduler::Compiled {
     }
     return slot;
   }
-  bool IsWorked(Slot slot, std::int32_t day) const {
-    const auto& calendars = network.table_calendars[network.facts[slot].table];
-    return std::all_of(calendars.begin(), calendars.end(), [this, day](CalendarIndex calendar) {
-      return network.calendars[calendar].worked().Test(day);
-    });
-  }
 };
 
 Scheduler::Scheduler(const Plan& plan, const Participates& participates)
@@ -64,19 +58,19 @@ const std::vector<std::string>& Scheduler::warnings() const {
 void Scheduler::SetRemaining(TaskIndex task, std::int32_t minutes) {
   Network& network = compiled_->network;
   const Slot slot = compiled_->SlotOf(task);
-  if (!network.IsOpen(slot) || network.facts[slot].kind != TaskKind::kTask) {
+  minutes = std::max(minutes, 0);
+  if (!network.IsOpen(slot) || network.nodes[slot].is_milestone ||
+      network.remaining[slot] == minutes) {
     return;
   }
-  minutes = std::max(minutes, 0);
-  if (network.facts[slot].remaining != minutes) {
-    network.facts[slot].remaining = minutes;
-    network.nodes[slot].minutes = network.TableOf(slot).CapMinutes(minutes);
-    network.MarkDirty(slot);
-  }
+  network.remaining[slot] = minutes;
+  network.nodes[slot].minutes =
+      minutes <= WorkTable::kAnyMinutes ? minutes : network.TableOf(slot).CapMinutes(minutes);
+  network.MarkDirty(slot);
 }
 
 std::int32_t Scheduler::remaining(TaskIndex task) const {
-  return compiled_->network.facts[compiled_->SlotOf(task)].remaining;
+  return compiled_->network.remaining[compiled_->SlotOf(task)];
 }
 
 void Scheduler::SetConstraint(TaskIndex task, const Constraint& constraint) {
@@ -208,16 +202,19 @@ void Scheduler::CountDriving(std::vector<std::uint32_t>& on_path) const {
 
 bool Scheduler::HasWorkOn(TaskIndex task, std::int32_t day) const {
   const Slot slot = compiled_->SlotOf(task);
-  return compiled_->network.facts[slot].is_finished || compiled_->IsWorked(slot, day);
+  const Network& network = compiled_->network;
+  return network.IsOpen(slot) ? network.tables[network.nodes[slot].table].IsWorked(day)
+                              : network.facts[slot].is_finished ||
+                                    network.tables[network.facts[slot].table].IsWorked(day);
 }
 
 Instant Scheduler::NextWorkStart(TaskIndex task, std::int32_t day) const {
   const Network& network = compiled_->network;
   const Slot slot = compiled_->SlotOf(task);
-  const CalendarIndex own = network.table_calendars[network.facts[slot].table].front();
+  const WorkTable& table = network.tables[network.facts[slot].table];
   for (std::int32_t next = std::max(day, kFirstCoveredDay); next <= kLastCoveredDay; ++next) {
-    if (compiled_->IsWorked(slot, next)) {
-      return {next, network.calendars[own].HoursOn(next).minute_at()[0]};
+    if (table.IsWorked(next)) {
+      return {next, table.HoursOn(next).minute_at()[0]};
     }
   }
   throw SchedulingError(fmt::format("{} has no working time from {} on", network.LabelOf(slot),

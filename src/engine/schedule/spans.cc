@@ -57,7 +57,7 @@ void PlaceEffort(Network& network, Slot slot, Span span, std::vector<std::int32_
   WorkTable& table = network.TableOf(slot);
   const std::int32_t start = table.Position(Unpack(span.start));
   const std::int32_t finish = span.finish == kNoFloor
-                                  ? start + table.CapMinutes(network.facts[slot].remaining)
+                                  ? start + table.CapMinutes(network.remaining[slot])
                                   : table.Position(Unpack(span.finish));
   dates[StartOf(slot)] = table.StartAt(start).packed();
   dates[FinishOf(slot)] = finish > start ? table.FinishAt(finish).packed() : dates[StartOf(slot)];
