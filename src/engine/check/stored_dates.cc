@@ -125,9 +125,6 @@ std::string OwnCause(const Task& task) {
   if (is(ConstraintType::kMandatoryStart) || is(ConstraintType::kMandatoryFinish)) {
     return "a mandatory date overrides its logic";
   }
-  if (task.range && task.range->minimum != task.range->maximum) {
-    return "its range's likely duration may not be the duration that the file was scheduled with";
-  }
   return {};
 }
 
