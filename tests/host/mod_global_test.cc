@@ -32,20 +32,18 @@ class ModGlobalTest : public recording::WiredTest {
 };
 
 TEST_F(ModGlobalTest, TheApplicationIsMadeOnFirstUseAndOnce) {
-  const auto* application = host_.application().get();
   int made = 0;
   modGlobal::Wire({[&] {
     ++made;
     return host_.application();
   }});
   EXPECT_EQ(made, 0);
-  EXPECT_EQ(Application().get(), application);
-  EXPECT_EQ(Application().get(), application);
+  EXPECT_TRUE(Application() == host_.application());
+  EXPECT_TRUE(Application() == host_.application());
   EXPECT_EQ(made, 1);
 }
 
 TEST_F(ModGlobalTest, AFailureToMakeTheApplicationIsTriedAgainAtTheNextUse) {
-  const auto* application = host_.application().get();
   int tries = 0;
   modGlobal::Wire({[&]() -> Corvane8::Ref<Corvane8::Application> {
     if (++tries == 1) {
@@ -54,7 +52,7 @@ TEST_F(ModGlobalTest, AFailureToMakeTheApplicationIsTriedAgainAtTheNextUse) {
     return host_.application();
   }});
   EXPECT_EQ(ErrorOf([] { Application(); }), 429);
-  EXPECT_EQ(Application().get(), application);
+  EXPECT_TRUE(Application() == host_.application());
 }
 
 TEST_F(ModGlobalTest, WithoutWiringThereIsNoApplication) {
