@@ -154,6 +154,9 @@ class Control {
   /// Takes the focus as by a click, and no more.
   GestureResult UserFocus();
 
+  /// Why a hand can do nothing with it at present; empty if it can.
+  std::string WhyNoGesture() const;
+
  protected:
   /// `parent` must outlive the control.
   Control(Container& parent, std::string name, Place place);
@@ -181,19 +184,24 @@ class Control {
   virtual bool OnKey(Key /*key*/) { return false; }
 
   /// Runs a gesture on this control: checks that a hand can make it, then gives errors to the
-  /// form's default handling.
-  GestureResult Gesture(const std::function<void()>& action);
+  /// form's default handling. `why_not` is a reason of the control's own kind, or empty.
+  GestureResult Gesture(const std::function<void()>& action, std::string why_not = {});
   /// Within a gesture: gives the control the focus as a click does, if a click does. False if the
   /// gesture ends here, since the focus was kept elsewhere.
   bool TakeFocusForClick();
-  bool TakeFocus();
-  /// Within a gesture of keys: KeyDown. False if the control lost the focus over it.
+  /// Within a gesture of keys: takes the focus as by a click, then raises KeyDown. False if the
+  /// gesture ends here, since the focus is elsewhere.
   bool PressKeyDown(int key_code);
+
+  /// What stands in the control can no longer have the focus: gives it to the next control.
+  void RescueFocus();
 
   Desktop& OwnerDesktop() const;
 
  private:
   friend class Form;
+
+  bool CanHaveFocus() const { return TakesFocus() && IsOnShow() && IsUsable(); }
 
   Container& parent_;
   std::string name_;

@@ -25,11 +25,11 @@ struct Message {
 
 /// What a file dialog asks for.
 struct FileRequest {
-  std::string title;
-  std::string folder;       ///< where it starts; empty for wherever the platform starts
-  std::string filter_name;  ///< such as "xls (*.xls;*.xlsx)"
-  std::string pattern;      ///< such as "*.xls;*.xlsx"
-  std::string file_name;    ///< offered; may be empty
+  std::string title{};
+  std::string folder{};       ///< where it starts; empty for wherever the platform starts
+  std::string filter_name{};  ///< such as "xls (*.xls;*.xlsx)"
+  std::string pattern{};      ///< such as "*.xls;*.xlsx"
+  std::string file_name{};    ///< offered; may be empty
   bool save = false;
 };
 

@@ -8,6 +8,7 @@ namespace nimbrel::toolkit {
 enum ErrorNumber : std::int32_t {
   kInternalError = 51,           ///< a failure that is no run-time error, as default handling shows
   kInvalidPropertyValue = 380,   ///< a value that the property cannot take
+  kFormAlreadyShown = 400,       ///< a visible form is shown again
   kInvalidPropertyIndex = 381,   ///< no such entry of a list box or combo box
   kIndexOutOfBounds = 35600,     ///< "Index out of bounds": no such row, column, cell, image
   kElementNotFound = 35601,      ///< "Element not found": no such key, or no part of this control

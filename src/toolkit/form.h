@@ -17,7 +17,8 @@ class FormObserver {
  public:
   virtual ~FormObserver() = default;
   virtual void OnControlChanged(Control& control, Property property) = 0;
-  virtual void OnCaptionChanged() = 0;
+  /// The form's caption, or whether it is visible, has changed.
+  virtual void OnFormChanged() = 0;
 };
 
 /// Why a form is being unloaded.
@@ -49,7 +50,8 @@ class Form : public Container {
   /// Raises Form_Load unless the form is loaded. After an error it is not.
   void Load();
   /// Loads the form, shows it over all others and returns when it was hidden or unloaded. The first
-  /// control in tab order gets the focus, unless one has it.
+  /// control in tab order gets the focus, unless one has it. Raises error 400 for a form that is
+  /// visible already.
   void ShowModal();
   /// Ends the modal show when the running handlers have returned.
   void Hide();
@@ -92,7 +94,7 @@ class Form : public Container {
   void Unregister(const Control& control);
   void OnChanged(Control& control, Property property);
 
-  GestureResult Gesture(const Control* target, const std::function<void()>& action);
+  GestureResult Gesture(std::string why_not, const std::function<void()>& action);
   /// Moves the focus after asking the control that has it. False if it was refused, or if the
   /// target can no longer take it.
   bool MoveFocus(Control& target);
@@ -100,11 +102,14 @@ class Form : public Container {
   void ChangeFocus(Control* target);
   /// Gives the focus to the next control if the one that has it can't have it any more.
   void RescueFocus();
-  bool AskToLeave(Control& target);
+  /// Validates the control with the focus. False if it refuses. After an error the focus is let go
+  /// to `target`, unless that is null.
+  bool AskToLeave(Control* target);
   Control* NextInTabOrder(const Control* from, bool backward) const;
   void OnDialogKey(Key key, bool shift);
   void PressButton(CommandButton* button);
-  bool AskUnload(UnloadMode mode);
+  CommandButton* FindButton(bool (CommandButton::*is_it)() const) const;
+  void AskUnload(UnloadMode mode);
 
   Desktop& desktop_;
   std::string name_;
@@ -117,6 +122,7 @@ class Form : public Container {
   bool loaded_ = false;
   bool visible_ = false;
   bool validating_ = false;
+  bool unloading_ = false;
 };
 
 }  // namespace nimbrel::toolkit

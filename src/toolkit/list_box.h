@@ -11,23 +11,32 @@
 
 namespace nimbrel::toolkit {
 
-/// The entries of a list box or combo box, numbered from 0.
+/// The entries of a list box or combo box, numbered from 0, and which one of them is selected.
 class EntryList {
  public:
   std::int32_t Count() const { return static_cast<std::int32_t>(entries_.size()); }
+  const std::vector<std::string>& Entries() const { return entries_; }
   /// Raises error 381 outside the list.
   const std::string& Entry(std::int32_t index) const;
-  /// Puts an entry before the one at `index`, or at the end. Raises error 5 beyond the end.
-  void Insert(const std::string& entry, std::optional<std::int32_t> index);
-  /// Raises error 5 outside the list.
-  void Remove(std::int32_t index);
-  void Clear() { entries_.clear(); }
   /// The first entry that is `text`, else the first that is it without regard to case, else -1.
   std::int32_t Find(std::string_view text) const;
-  const std::vector<std::string>& entries() const { return entries_; }
+
+  /// The selected entry, -1 for none.
+  std::int32_t Selected() const { return selected_; }
+  /// True if another one was selected before.
+  bool Select(std::int32_t index);
+
+  /// Puts an entry before the one at `index`, or at the end; the selection stays with its entry.
+  /// Raises error 5 beyond the end.
+  void Insert(const std::string& entry, std::optional<std::int32_t> index);
+  /// True if it was the selected one; then none is selected. Raises error 5 outside the list.
+  bool Remove(std::int32_t index);
+  /// True if one was selected.
+  bool Clear();
 
  private:
   std::vector<std::string> entries_;
+  std::int32_t selected_ = -1;
 };
 
 /// A list of texts, one of which may be selected.
@@ -41,10 +50,10 @@ class ListBox final : public Control {
   /// The entry at `index`, from 0. Raises error 381 outside the list, so also for a ListIndex of
   /// -1.
   const std::string& List(std::int32_t index) const { return entries_.Entry(index); }
-  const std::vector<std::string>& Entries() const { return entries_.entries(); }
+  const std::vector<std::string>& Entries() const { return entries_.Entries(); }
 
   /// The selected entry, from 0; -1 for none.
-  std::int32_t ListIndex() const { return index_; }
+  std::int32_t ListIndex() const { return entries_.Selected(); }
   /// Raises Change and then Click for a new index, -1 included. Raises error 380 outside the list.
   void SetListIndex(std::int32_t index);
 
@@ -57,7 +66,7 @@ class ListBox final : public Control {
   void Clear();
 
   /// The text of the selected entry; empty if there is none.
-  std::string Text() const { return index_ < 0 ? std::string() : List(index_); }
+  std::string Text() const { return ListIndex() < 0 ? std::string() : List(ListIndex()); }
   std::string Value() const { return Text(); }
 
   /// Also "Text", "Value" and "ListIndex".
@@ -75,8 +84,9 @@ class ListBox final : public Control {
   bool OnKey(Key key) override;
 
  private:
+  void EntriesChanged(bool lost_selection);
+
   EntryList entries_;
-  std::int32_t index_ = -1;
 };
 
 /// A text box with a list to pick from. A text that is typed counts as an entry as soon as it is
@@ -90,10 +100,10 @@ class ComboBox final : public EditControl {
   std::int32_t ListCount() const { return entries_.Count(); }
   /// The entry at `index`, from 0. Raises error 381 outside the list.
   const std::string& List(std::int32_t index) const { return entries_.Entry(index); }
-  const std::vector<std::string>& Entries() const { return entries_.entries(); }
+  const std::vector<std::string>& Entries() const { return entries_.Entries(); }
 
   /// The entry that the text is, from 0; -1 for none.
-  std::int32_t ListIndex() const { return index_; }
+  std::int32_t ListIndex() const { return entries_.Selected(); }
   /// Takes the entry's text into the edit part, or empties it for -1. Raises Change once if the
   /// index or the text is new. Raises error 380 outside the list.
   void SetListIndex(std::int32_t index);
@@ -117,8 +127,11 @@ class ComboBox final : public EditControl {
   void Put(std::string text, std::int32_t caret) override;
 
  private:
+  /// Takes both, and raises Change once if one of them is new.
+  void Take(std::string text, std::int32_t caret, std::int32_t index);
+  void EntriesChanged(bool lost_selection);
+
   EntryList entries_;
-  std::int32_t index_ = -1;
 };
 
 }  // namespace nimbrel::toolkit

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -8,6 +9,7 @@
 #include <string_view>
 
 #include "platform/ref.h"
+#include "toolkit/control.h"
 
 namespace nimbrel::toolkit {
 
@@ -36,8 +38,8 @@ class Node final : public platform::Object {
   /// Nothing for a node at the top.
   NodeRef Parent() const;
   /// Moves the node with all below it under `parent`, behind its other children or, if they are
-  /// sorted, to its place among them. Raises error 35614 for the node itself or one below it, and
-  /// 35601 unless both are in one tree.
+  /// sorted, to its place among them; Nothing moves it to the top. Raises error 35614 for the node
+  /// itself or one below it, and 35601 unless both are in one tree.
   void SetParent(const NodeRef& parent);
   /// The first child; Nothing if there is none.
   NodeRef Child() const { return NodeRef(first_child_); }
@@ -68,10 +70,13 @@ class Node final : public platform::Object {
 
   using SortedIndex = std::multimap<std::string, Node*, std::less<>>;
 
-  void Link(Node* parent, Node* before);
-  void LinkInOrder(Node& parent);
+  /// Puts the node before `before`, or at the end for null; in a sorted parent to its place.
+  void Link(Node& parent, Node* before);
   void Unlink();
   void SortChildren();
+  /// Leaves the node alone, after its removal or that of its tree.
+  void Forget();
+  void TellChanged(Property property) const;
 
   TreeView* tree_ = nullptr;  // null once taken out
   std::string key_;

@@ -52,9 +52,8 @@ class NodeList {
   friend class Node;
   friend class TreeView;
 
-  NodeRef Insert(const std::string& key, std::string text, std::int32_t image, Node* parent,
+  NodeRef Insert(const std::string& key, std::string text, std::int32_t image, Node& parent,
                  Node* before);
-  void Detach(Node& node);
 
   TreeView& tree_;
   std::list<NodeRef> nodes_;
@@ -97,9 +96,10 @@ class TreeView final : public Control {
   /// A node is clicked, or reached by the arrow keys; it is then the SelectedItem.
   std::function<void(const NodeRef& node)> NodeClick;
 
-  /// A click on a node, which must be in this tree and on show.
+  /// A click on a node, which must be in this tree. Those above it are opened first.
   GestureResult UserClickNode(const NodeRef& node);
-  /// Opens or closes a node by its sign: asks and raises nothing.
+  /// Opens or closes a node by its sign. If the selected node goes out of sight by that, the closed
+  /// one takes the selection, as by a click.
   GestureResult UserExpand(const NodeRef& node, bool expanded);
 
  protected:
@@ -110,6 +110,7 @@ class TreeView final : public Control {
   friend class NodeList;
 
   void Select(const NodeRef& node);
+  void Open(const NodeRef& node, bool expanded);
   void CheckImage(std::int32_t image) const;
   bool Owns(const NodeRef& node) const;
 
