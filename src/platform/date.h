@@ -14,6 +14,7 @@ namespace nimbrel::platform {
 struct Date {
   double serial = 0.0;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): the linter takes the operator's own zero for a pointer
   friend constexpr auto operator<=>(const Date&, const Date&) = default;
   friend constexpr Date operator+(Date date, double days) { return {date.serial + days}; }
   friend constexpr Date operator-(Date date, double days) { return {date.serial - days}; }
