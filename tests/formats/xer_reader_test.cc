@@ -514,11 +514,45 @@ TEST(XerReader, LinksOfEveryTypeWithLag) {
 TEST(XerReader, LinksOutOfTheProjectAreCounted) {
   XerText text = TwoProjects();
   text.Link("200", "100", "PR_FS").Link("100", "200", "PR_FS").Link("100", "999", "PR_FS");
-  text.Link("200", "201", "PR_FS");
+  text.Link("200", "300", "PR_FS");
   const ReadResult result = Read(text, {.project = "DOCK", .time_unit = TimeUnit::kDays});
   EXPECT_THAT(result.plan.links, IsEmpty());
   EXPECT_EQ(CountOf(result, "links to activities of other projects"), 2);
   EXPECT_EQ(CountOf(result, "links to activities that are not in the file"), 1);
+}
+
+TEST(XerReader, LinksToOtherProjectsHoldAtTheDatesThatTheFileHas) {
+  XerText text = TwoProjects();
+  text.Task("201", "B1",
+            {{"proj_id", "2"},
+             {"early_start_date", "2027-03-10 08:00"},
+             {"early_end_date", "2027-03-17 00:00"},
+             {"late_start_date", "2027-04-12 00:00"},
+             {"late_end_date", "2027-04-16 17:00"}});
+  const auto constraint = [&text](const std::string& from, const std::string& to,
+                                  const std::string& type) {
+    XerText linked = text;
+    const ReadResult result =
+        Read(linked.Link(from, to, type), {.project = "DOCK", .time_unit = TimeUnit::kDays});
+    EXPECT_EQ(CountOf(result, "kept as constraints at their dates"), 1) << type;
+    return TaskOf(result.plan, "A1").constraint;
+  };
+  EXPECT_EQ(constraint("201", "100", "PR_FS"),
+            (Constraint{ConstraintType::kStartNoEarlier, At("2027-03-17 00:00")}));
+  EXPECT_EQ(constraint("201", "100", "PR_SS"),
+            (Constraint{ConstraintType::kStartNoEarlier, At("2027-03-10 08:00")}));
+  EXPECT_EQ(constraint("201", "100", "PR_FF"),
+            (Constraint{ConstraintType::kFinishNoEarlier, At("2027-03-16 24:00")}));
+  EXPECT_EQ(constraint("201", "100", "PR_SF"),
+            (Constraint{ConstraintType::kFinishNoEarlier, At("2027-03-10 08:00")}));
+  EXPECT_EQ(constraint("100", "201", "PR_FS"),
+            (Constraint{ConstraintType::kFinishNoLater, At("2027-04-11 24:00")}));
+  EXPECT_EQ(constraint("100", "201", "PR_SS"),
+            (Constraint{ConstraintType::kStartNoLater, At("2027-04-12 00:00")}));
+  EXPECT_EQ(constraint("100", "201", "PR_FF"),
+            (Constraint{ConstraintType::kFinishNoLater, At("2027-04-16 17:00")}));
+  EXPECT_EQ(constraint("100", "201", "PR_SF"),
+            (Constraint{ConstraintType::kStartNoLater, At("2027-04-16 17:00")}));
 }
 
 TEST(XerReader, BadLinksAreRefused) {

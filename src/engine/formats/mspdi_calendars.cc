@@ -143,6 +143,7 @@ CalendarDefinition MspdiCalendars::Combine(const std::vector<std::int64_t>& reso
 Uid MspdiCalendars::OfResources(const std::vector<std::int64_t>& resources, std::int64_t own,
                                 Plan& plan) {
   std::vector<std::int64_t> key;
+  key.reserve(resources.size() + 1);
   for (const std::int64_t resource : resources) {
     key.push_back(SameWorkAs(resource));
   }

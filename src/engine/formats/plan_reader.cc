@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <fstream>
-#include <sstream>
 #include <system_error>
 
 #include "engine/formats/mspdi_project.h"
@@ -14,15 +13,23 @@ namespace nimbrel::engine {
 namespace {
 
 std::string ReadBytes(const std::filesystem::path& path) {
+  constexpr std::streamsize kChunk = 1 << 20;
   errno = 0;
   std::ifstream file(path, std::ios::binary);
-  std::ostringstream bytes;
-  // A directory can be opened; only reading it fails.
-  if (!file || std::filesystem::is_directory(path) ||
-      (file.peek() != EOF && !(bytes << file.rdbuf()))) {
-    throw std::system_error(errno == 0 ? EISDIR : errno, std::generic_category(), path.string());
+  std::string bytes;
+  std::error_code no_size;  // of a pipe or a directory: then the size shows as it is read
+  const std::uintmax_t size = std::filesystem::file_size(path, no_size);
+  bytes.reserve(no_size ? 0 : static_cast<std::size_t>(size) + kChunk);
+  while (file) {
+    const std::size_t end = bytes.size();
+    bytes.resize(end + kChunk);
+    file.read(bytes.data() + end, kChunk);
+    bytes.resize(end + static_cast<std::size_t>(file.gcount()));
   }
-  return std::move(bytes).str();
+  if (!file.eof() || file.bad()) {
+    throw std::system_error(errno == 0 ? EIO : errno, std::generic_category(), path.string());
+  }
+  return bytes;
 }
 
 enum class Format { kXer, kMspdi };

@@ -54,35 +54,87 @@ LinkType ReadLinkType(const XerRow& row) {
   row.FailField("pred_type", "PR_FS, PR_SS, PR_FF or PR_SF");
 }
 
-/// Reads the links between the project's activities.
-void ReadLinks(const XerFile& file, const XerTaskReader& reader, const std::vector<XerTask>& tasks,
-               LagCalendar lag_calendar, Plan& plan, WarningList& warnings) {
-  file.ForEach("TASKPRED", [&](const XerRow& row) {
-    const std::int32_t successor = reader.PositionOf(row.Required("task_id"));
-    const std::int32_t predecessor = reader.PositionOf(row.Required("pred_task_id"));
+/// Puts the links of a project into its plan.
+class LinkReader {
+ public:
+  LinkReader(const XerFile& file, const XerTaskReader& reader, const std::vector<XerTask>& tasks,
+             const XerScheduling& scheduling, Plan& plan, WarningList& warnings)
+      : file_(file),
+        reader_(reader),
+        tasks_(tasks),
+        scheduling_(scheduling),
+        plan_(plan),
+        warnings_(warnings) {}
+
+  void ReadAll() {
+    file_.ForEach("TASKPRED", [this](const XerRow& row) { ReadRow(row); });
+  }
+
+ private:
+  void ReadRow(const XerRow& row) {
+    const std::int32_t successor = reader_.PositionOf(row.Required("task_id"));
+    const std::int32_t predecessor = reader_.PositionOf(row.Required("pred_task_id"));
     if (successor < 0 && predecessor < 0) {
       return;  // between activities of other projects
     }
     if (successor == XerTaskReader::kUnknown || predecessor == XerTaskReader::kUnknown) {
-      warnings.Add("links to activities that are not in the file: left out");
-      return;
-    }
-    if (successor < 0 || predecessor < 0) {
-      warnings.Add("links to activities of other projects: left out");
+      warnings_.Add("links to activities that are not in the file: left out");
       return;
     }
     if (successor == predecessor) {
       row.FailField("pred_task_id", "another activity than the link's own");
     }
-    Link link;
-    link.predecessor = tasks[static_cast<std::size_t>(predecessor)].uid;
-    link.successor = tasks[static_cast<std::size_t>(successor)].uid;
-    link.type = ReadLinkType(row);
-    link.lag_minutes = row.Minutes("lag_hr_cnt", 0);
-    link.lag_calendar = lag_calendar;
-    plan.links.push_back(link);
-  });
-}
+    const LinkType type = ReadLinkType(row);
+    const std::int32_t lag_minutes = row.Minutes("lag_hr_cnt", 0);
+    if (successor < 0 || predecessor < 0) {
+      const bool kept =
+          scheduling_.use_external_dates && lag_minutes == 0 &&
+          (successor < 0 ? HoldBefore(row, predecessor, type) : HoldAfter(row, successor, type));
+      warnings_.Add(kept ? "links to activities of other projects: kept as constraints at their "
+                           "dates in the file"
+                         : "links to activities of other projects: left out");
+      return;
+    }
+    plan_.links.push_back(
+        {UidAt(predecessor), UidAt(successor), type, lag_minutes, scheduling_.lag_calendar});
+  }
+
+  Uid UidAt(std::int32_t position) const { return tasks_[static_cast<std::size_t>(position)].uid; }
+
+  /// Holds a task of ours behind a predecessor in another project.
+  bool HoldAfter(const XerRow& row, std::int32_t successor, LinkType type) {
+    const XerOuterTask* outer = reader_.FindOuter(row.Text("pred_task_id"));
+    const bool from_finish = type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish;
+    const bool to_start = type == LinkType::kFinishToStart || type == LinkType::kStartToStart;
+    return Hold(successor,
+                to_start ? ConstraintType::kStartNoEarlier : ConstraintType::kFinishNoEarlier,
+                from_finish ? outer->finish : outer->start);
+  }
+
+  /// Holds a task of ours before a successor in another project.
+  bool HoldBefore(const XerRow& row, std::int32_t predecessor, LinkType type) {
+    const XerOuterTask* outer = reader_.FindOuter(row.Text("task_id"));
+    const bool from_finish = type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish;
+    const bool to_start = type == LinkType::kFinishToStart || type == LinkType::kStartToStart;
+    return Hold(predecessor,
+                from_finish ? ConstraintType::kFinishNoLater : ConstraintType::kStartNoLater,
+                to_start ? outer->late_start : outer->late_finish);
+  }
+
+  bool Hold(std::int32_t position, ConstraintType type, Instant date) {
+    const bool about_start =
+        type == ConstraintType::kStartNoEarlier || type == ConstraintType::kStartNoLater;
+    return !date.IsAbsent() && HoldToOuterDate(*plan_.FindTask(UidAt(position)), type,
+                                               about_start ? date.AsStart() : date.AsFinish());
+  }
+
+  const XerFile& file_;
+  const XerTaskReader& reader_;
+  const std::vector<XerTask>& tasks_;
+  const XerScheduling& scheduling_;
+  Plan& plan_;
+  WarningList& warnings_;
+};
 
 /// Counts what the file has and the plan does not hold.
 void WarnOfLeftOut(const XerFile& file, const XerProject& project, WarningList& warnings) {
@@ -126,7 +178,7 @@ ReadResult ReadXer(std::string_view bytes, const std::string& name, const ReadOp
   XerStructure structure(file, project, warnings);
   plan.title = structure.ProjectName();
   structure.AddTo(plan, tasks, reader.ids(), warnings);
-  ReadLinks(file, reader, tasks, scheduling.lag_calendar, plan, warnings);
+  LinkReader(file, reader, tasks, scheduling, plan, warnings).ReadAll();
   WarnOfLeftOut(file, project, warnings);
   result.warnings = warnings.Take();
   return result;

@@ -42,7 +42,35 @@ Instant AsFinish(Instant instant) {
   return instant.IsAbsent() ? instant : instant.AsFinish();
 }
 
+XerOuterTask ReadOuterTask(const XerRow& row) {
+  XerOuterTask task;
+  task.start = StoredDate(row, "act_start_date", "early_start_date");
+  task.finish = AsFinish(StoredDate(row, "act_end_date", "early_end_date"));
+  task.late_start = row.Date("late_start_date");
+  task.late_finish = row.FinishDate("late_end_date");
+  return task;
+}
+
 }  // namespace
+
+bool HoldToOuterDate(Task& task, ConstraintType type, Instant date) {
+  const bool is_earliest =
+      type == ConstraintType::kStartNoEarlier || type == ConstraintType::kFinishNoEarlier;
+  for (Constraint* constraint : {&task.constraint, &task.second_constraint}) {
+    if (constraint->type == type) {
+      constraint->date =
+          is_earliest ? std::max(constraint->date, date) : std::min(constraint->date, date);
+      return true;
+    }
+  }
+  for (Constraint* constraint : {&task.constraint, &task.second_constraint}) {
+    if (constraint->type == ConstraintType::kNone) {
+      *constraint = {type, date};
+      return true;
+    }
+  }
+  return false;
+}
 
 XerTaskReader::XerTaskReader(const XerFile& file, const XerProject& project,
                              const XerScheduling& scheduling, XerCalendars& calendars, Plan& plan,
@@ -64,6 +92,8 @@ std::vector<XerTask> XerTaskReader::ReadAll() {
     }
     if (ours) {
       tasks.push_back(ReadRow(row));
+    } else {
+      outer_tasks_.emplace(row.Text("task_id"), ReadOuterTask(row));
     }
   });
   return tasks;
@@ -72,6 +102,11 @@ std::vector<XerTask> XerTaskReader::ReadAll() {
 std::int32_t XerTaskReader::PositionOf(std::string_view key) const {
   const auto found = positions_.find(key);
   return found == positions_.end() ? kUnknown : found->second;
+}
+
+const XerOuterTask* XerTaskReader::FindOuter(std::string_view key) const {
+  const auto found = outer_tasks_.find(key);
+  return found == outer_tasks_.end() ? nullptr : &found->second;
 }
 
 XerTask XerTaskReader::ReadRow(const XerRow& row) {
@@ -264,19 +299,10 @@ void XerTaskReader::AddOuterDate(Task& task, ConstraintType type, Instant date) 
   if (date.IsAbsent() || task.IsFinished()) {
     return;
   }
-  warnings_.Add("dates from projects that are not in the file: kept as constraints");
-  for (Constraint* constraint : {&task.constraint, &task.second_constraint}) {
-    if (constraint->type == ConstraintType::kNone) {
-      *constraint = {type, date};
-      return;
-    }
-    if (constraint->type == type) {
-      constraint->date = type == ConstraintType::kStartNoEarlier ? std::max(constraint->date, date)
-                                                                 : std::min(constraint->date, date);
-      return;
-    }
-  }
-  warnings_.Add("dates from projects that are not in the file, beside two constraints: left out");
+  warnings_.Add(HoldToOuterDate(task, type, date)
+                    ? "dates from projects that are not in the file: kept as constraints"
+                    : "dates from projects that are not in the file, beside two constraints: left "
+                      "out");
 }
 
 void XerTaskReader::ReadStoredDates(const XerRow& row, Task& task) {

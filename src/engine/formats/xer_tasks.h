@@ -23,6 +23,15 @@ struct XerTask {
   Uid uid = 0;                  // in the plan, once it is there
 };
 
+/// Where an activity of another project stands, by its actual dates or those last computed.
+struct XerOuterTask {
+  Instant start, finish, late_start, late_finish;
+};
+
+/// Holds a task to a date from outside, as a constraint of the type: in one of the same type, which
+/// then has the date that binds more, else in a place that is free. False if there is none.
+bool HoldToOuterDate(Task& task, ConstraintType type, Instant date);
+
 /// Reads the activities of one project.
 class XerTaskReader {
  public:
@@ -39,6 +48,9 @@ class XerTaskReader {
   static constexpr std::int32_t kOtherProject = -1;
   static constexpr std::int32_t kUnknown = -2;
 
+  /// An activity of another project that has the file's key; null if there is none.
+  const XerOuterTask* FindOuter(std::string_view key) const;
+
   UniqueNames& ids() { return ids_; }
 
  private:
@@ -52,7 +64,6 @@ class XerTaskReader {
   void ReadConstraints(const XerRow& row, Task& task);
   void ReadStoredDates(const XerRow& row, Task& task);
   Constraint ReadConstraint(const XerRow& row, std::string_view type, std::string_view date);
-  /// Holds the task to a date from outside, in a constraint that is free or of the same type.
   void AddOuterDate(Task& task, ConstraintType type, Instant date);
   /// The resource whose calendar drives an activity; empty if it has none.
   std::string_view ResourceOf(const XerRow& row);
@@ -66,6 +77,7 @@ class XerTaskReader {
   WarningList& warnings_;
   UniqueNames ids_;
   std::unordered_map<std::string_view, std::int32_t> positions_;
+  std::unordered_map<std::string_view, XerOuterTask> outer_tasks_;
   bool resources_read_ = false;
   std::unordered_map<std::string_view, std::string_view> calendar_by_resource_;
   std::unordered_map<std::string_view, std::string_view> resource_by_task_;
