@@ -96,9 +96,13 @@ std::string Control::WhyNoGesture() const {
   return {};
 }
 
-GestureResult Control::Gesture(const std::function<void()>& action, std::string why_not) {
+std::string Control::WhyNoGestureOr(std::string own_reason) const {
   std::string reason = WhyNoGesture();
-  return OwnerForm().Gesture(reason.empty() ? std::move(why_not) : std::move(reason), action);
+  return reason.empty() ? own_reason : reason;
+}
+
+GestureResult Control::Gesture(std::string why_not, const std::function<void()>& action) {
+  return OwnerForm().Gesture(std::move(why_not), action);
 }
 
 bool Control::TakeFocusForClick() {
@@ -118,7 +122,7 @@ bool Control::PressKeyDown(int key_code) {
 }
 
 GestureResult Control::UserClick() {
-  return Gesture([this] {
+  return Gesture(WhyNoGesture(), [this] {
     if (TakeFocusForClick()) {
       OnClick();
     }
@@ -126,17 +130,16 @@ GestureResult Control::UserClick() {
 }
 
 GestureResult Control::UserFocus() {
-  return Gesture([this] { TakeFocusForClick(); });
+  return Gesture(WhyNoGesture(), [this] { TakeFocusForClick(); });
 }
 
 GestureResult Control::UserKey(Key key, bool shift) {
-  return Gesture(
-      [this, key, shift] {
-        if (PressKeyDown(static_cast<int>(key)) && !OnKey(key)) {
-          OwnerForm().OnDialogKey(key, shift);
-        }
-      },
-      TakesFocus() ? std::string() : name_ + " takes no focus");
+  std::string own_reason = TakesFocus() ? std::string() : name_ + " takes no focus";
+  return Gesture(WhyNoGestureOr(std::move(own_reason)), [this, key, shift] {
+    if (PressKeyDown(static_cast<int>(key)) && !OnKey(key)) {
+      OwnerForm().OnDialogKey(key, shift);
+    }
+  });
 }
 
 }  // namespace nimbrel::toolkit

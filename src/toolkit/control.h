@@ -183,9 +183,11 @@ class Control {
   /// What it does with a key; false leaves the key to the form (Tab, Enter, Escape).
   virtual bool OnKey(Key /*key*/) { return false; }
 
-  /// Runs a gesture on this control: checks that a hand can make it, then gives errors to the
-  /// form's default handling. `why_not` is a reason of the control's own kind, or empty.
-  GestureResult Gesture(const std::function<void()>& action, std::string why_not = {});
+  /// Runs a gesture on this control, unless there is a reason why a hand can't make it; errors go
+  /// to the form's default handling.
+  GestureResult Gesture(std::string why_not, const std::function<void()>& action);
+  /// WhyNoGesture or, where a hand could make one, `own_reason`, which may be empty.
+  std::string WhyNoGestureOr(std::string own_reason) const;
   /// Within a gesture: gives the control the focus as a click does, if a click does. False if the
   /// gesture ends here, since the focus was kept elsewhere.
   bool TakeFocusForClick();

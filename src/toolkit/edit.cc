@@ -161,7 +161,7 @@ GestureResult EditControl::UserType(const std::string& text) {
 }
 
 GestureResult EditControl::UserTypeCharacter(const std::string& character) {
-  return Gesture([this, &character] {
+  return Gesture(WhyNoGesture(), [this, &character] {
     if (PressKeyDown(KeyCodeOf(character))) {
       ReplaceSelection(character);
     }
@@ -169,7 +169,7 @@ GestureResult EditControl::UserTypeCharacter(const std::string& character) {
 }
 
 GestureResult EditControl::UserReplaceText(const std::string& text, std::int32_t caret) {
-  return Gesture([this, &text, caret] {
+  return Gesture(WhyNoGesture(), [this, &text, caret] {
     if (TakeFocusForClick()) {
       Put(text, caret);
     }
@@ -177,7 +177,7 @@ GestureResult EditControl::UserReplaceText(const std::string& text, std::int32_t
 }
 
 GestureResult EditControl::UserSelect(std::int32_t start, std::int32_t length) {
-  return Gesture([this, start, length] {
+  return Gesture(WhyNoGesture(), [this, start, length] {
     if (TakeFocusForClick()) {
       SetSelStart(std::max(start, 0));
       SetSelLength(std::max(length, 0));

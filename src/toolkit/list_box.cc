@@ -22,7 +22,8 @@ void CheckListIndex(std::int32_t index, std::int32_t count) {
   }
 }
 
-std::string WhyNoEntry(const std::string& name, std::int32_t index, std::int32_t count) {
+/// Why there is no entry to pick; entries are counted from 1 in the text.
+std::string ReasonForNoEntry(const std::string& name, std::int32_t index, std::int32_t count) {
   return index >= 0 && index < count
              ? std::string()
              : name + " has no entry " + std::to_string(static_cast<std::int64_t>(index) + 1);
@@ -138,25 +139,25 @@ std::optional<std::string> ListBox::PropertyText(std::string_view property) cons
   return property == "Text" || property == "Value" ? Text() : Control::PropertyText(property);
 }
 
+std::string ListBox::WhyNoEntry(std::int32_t index) const {
+  return WhyNoGestureOr(ReasonForNoEntry(Name(), index, ListCount()));
+}
+
 GestureResult ListBox::UserPick(std::int32_t index) {
-  return Gesture(
-      [this, index] {
-        if (TakeFocusForClick() && index < ListCount()) {
-          SetListIndex(index);
-        }
-      },
-      WhyNoEntry(Name(), index, ListCount()));
+  return Gesture(WhyNoEntry(index), [this, index] {
+    if (TakeFocusForClick() && index < ListCount()) {
+      SetListIndex(index);
+    }
+  });
 }
 
 GestureResult ListBox::UserDoubleClick(std::int32_t index) {
-  return Gesture(
-      [this, index] {
-        if (TakeFocusForClick() && index < ListCount()) {
-          SetListIndex(index);
-          Raise(DblClick, "DblClick");
-        }
-      },
-      WhyNoEntry(Name(), index, ListCount()));
+  return Gesture(WhyNoEntry(index), [this, index] {
+    if (TakeFocusForClick() && index < ListCount()) {
+      SetListIndex(index);
+      Raise(DblClick, "DblClick");
+    }
+  });
 }
 
 bool ListBox::OnKey(Key key) {
@@ -216,14 +217,16 @@ std::optional<std::string> ComboBox::PropertyText(std::string_view property) con
                                  : EditControl::PropertyText(property);
 }
 
+std::string ComboBox::WhyNoEntry(std::int32_t index) const {
+  return WhyNoGestureOr(ReasonForNoEntry(Name(), index, ListCount()));
+}
+
 GestureResult ComboBox::UserPick(std::int32_t index) {
-  return Gesture(
-      [this, index] {
-        if (TakeFocusForClick() && index < ListCount()) {
-          SetListIndex(index);
-        }
-      },
-      WhyNoEntry(Name(), index, ListCount()));
+  return Gesture(WhyNoEntry(index), [this, index] {
+    if (TakeFocusForClick() && index < ListCount()) {
+      SetListIndex(index);
+    }
+  });
 }
 
 bool ComboBox::OnKey(Key key) {

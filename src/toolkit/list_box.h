@@ -76,6 +76,8 @@ class ListBox final : public Control {
   std::function<void()> Click;
   std::function<void()> DblClick;
 
+  /// Why a hand can't click on an entry, from 0, at present; empty if it can.
+  std::string WhyNoEntry(std::int32_t index) const;
   /// A click on an entry, from 0, or two.
   GestureResult UserPick(std::int32_t index);
   GestureResult UserDoubleClick(std::int32_t index);
@@ -119,6 +121,8 @@ class ComboBox final : public EditControl {
   /// Also "ListIndex".
   std::optional<std::string> PropertyText(std::string_view property) const override;
 
+  /// Why a hand can't pick an entry, from 0, at present; empty if it can.
+  std::string WhyNoEntry(std::int32_t index) const;
   /// Picks an entry, from 0.
   GestureResult UserPick(std::int32_t index);
 

@@ -170,68 +170,61 @@ void ListView::Select(const ListItemRef& item) {
   Raise(ItemClick, "ItemClick", item->Text(), true, item);
 }
 
-bool ListView::ClickRow(const ListItemRef& item) {
-  if (!TakeFocusForClick() || item->list_ != this) {
-    return false;
-  }
-  Select(item);
-  return true;
-}
-
 void ListView::ToggleCheck(const ListItemRef& item) {
   item->SetChecked(!item->Checked());
   Raise(ItemCheck, "ItemCheck", item->Text(), true, item);
 }
 
 std::string ListView::WhyNoRow(std::int32_t index) const {
-  return index >= 1 && index <= items_.Count() ? std::string()
-                                               : Name() + " has no row " + std::to_string(index);
+  const bool there = index >= 1 && index <= items_.Count();
+  return WhyNoGestureOr(there ? std::string() : Name() + " has no row " + std::to_string(index));
+}
+
+std::string ListView::WhyNoCheck(std::int32_t index) const {
+  std::string why_not = WhyNoRow(index);
+  return why_not.empty() && !check_boxes_ ? Name() + " has no check boxes" : why_not;
+}
+
+std::string ListView::WhyNoHeader(std::int32_t index) const {
+  if (style_ != ListViewStyle::kReport || index < 1 || index > columns_.Count()) {
+    return WhyNoGestureOr(Name() + " has no column " + std::to_string(index));
+  }
+  const bool hidden = columns_.Item(index).Width() == 0;
+  return WhyNoGestureOr(hidden ? "column " + std::to_string(index) + " of " + Name() + " is hidden"
+                               : std::string());
+}
+
+GestureResult ListView::OnRow(std::int32_t index, std::string why_not,
+                              const std::function<void(const ListItemRef&)>& action) {
+  const ListItemRef item = why_not.empty() ? items_.Item(index) : ListItemRef();
+  return Gesture(std::move(why_not), [this, &item, &action] {
+    if (TakeFocusForClick() && item->list_ == this) {
+      action(item);
+    }
+  });
 }
 
 GestureResult ListView::UserClickRow(std::int32_t index) {
-  const std::string why_not = WhyNoRow(index);
-  const ListItemRef item = why_not.empty() ? items_.Item(index) : ListItemRef();
-  return Gesture([this, &item] { ClickRow(item); }, why_not);
+  return OnRow(index, WhyNoRow(index), [this](const ListItemRef& item) { Select(item); });
 }
 
 GestureResult ListView::UserDoubleClickRow(std::int32_t index) {
-  const std::string why_not = WhyNoRow(index);
-  const ListItemRef item = why_not.empty() ? items_.Item(index) : ListItemRef();
-  return Gesture(
-      [this, &item] {
-        if (ClickRow(item)) {
-          Raise(DblClick, "DblClick");
-        }
-      },
-      why_not);
+  return OnRow(index, WhyNoRow(index), [this](const ListItemRef& item) {
+    Select(item);
+    Raise(DblClick, "DblClick");
+  });
 }
 
 GestureResult ListView::UserToggleCheck(std::int32_t index) {
-  const std::string why_not = check_boxes_ ? WhyNoRow(index) : Name() + " has no check boxes";
-  const ListItemRef item = why_not.empty() ? items_.Item(index) : ListItemRef();
-  return Gesture(
-      [this, &item] {
-        if (TakeFocusForClick() && item->list_ == this) {
-          ToggleCheck(item);
-        }
-      },
-      why_not);
+  return OnRow(index, WhyNoCheck(index), [this](const ListItemRef& item) { ToggleCheck(item); });
 }
 
 GestureResult ListView::UserClickHeader(std::int32_t index) {
-  std::string why_not;
-  if (style_ != ListViewStyle::kReport || index < 1 || index > columns_.Count()) {
-    why_not = Name() + " has no column " + std::to_string(index);
-  } else if (columns_.Item(index).Width() == 0) {
-    why_not = "column " + std::to_string(index) + " of " + Name() + " is hidden";
-  }
-  return Gesture(
-      [this, index] {
-        if (TakeFocusForClick()) {
-          Raise(ColumnClick, "ColumnClick", std::to_string(index), false, columns_.Item(index));
-        }
-      },
-      std::move(why_not));
+  return Gesture(WhyNoHeader(index), [this, index] {
+    if (TakeFocusForClick()) {
+      Raise(ColumnClick, "ColumnClick", std::to_string(index), false, columns_.Item(index));
+    }
+  });
 }
 
 bool ListView::OnKey(Key key) {

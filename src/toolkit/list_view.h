@@ -135,6 +135,11 @@ class ListView final : public Control {
   /// Comes after the ItemClick of the row.
   std::function<void()> DblClick;
 
+  /// Why a hand can't click on a row, its check box, a column's header, from 1, at present; empty
+  /// if it can.
+  std::string WhyNoRow(std::int32_t index) const;
+  std::string WhyNoCheck(std::int32_t index) const;
+  std::string WhyNoHeader(std::int32_t index) const;
   /// A click on row `index`, from 1, or two clicks.
   GestureResult UserClickRow(std::int32_t index);
   GestureResult UserDoubleClickRow(std::int32_t index);
@@ -152,10 +157,10 @@ class ListView final : public Control {
   friend class ListItemList;
 
   void Sort();
-  bool ClickRow(const ListItemRef& item);
   void Select(const ListItemRef& item);
   void ToggleCheck(const ListItemRef& item);
-  std::string WhyNoRow(std::int32_t index) const;
+  GestureResult OnRow(std::int32_t index, std::string why_not,
+                      const std::function<void(const ListItemRef&)>& action);
 
   ListItemList items_{*this};
   ColumnHeaderList columns_{*this};

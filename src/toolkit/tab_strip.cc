@@ -53,15 +53,17 @@ std::optional<std::string> TabStrip::PropertyText(std::string_view property) con
   return property == "Caption" ? Page(tab_).Caption() : Control::PropertyText(property);
 }
 
-GestureResult TabStrip::UserPickTab(std::int32_t index) {
+std::string TabStrip::WhyNoTab(std::int32_t index) const {
   const bool there = index >= 0 && index < Tabs();
-  return Gesture(
-      [this, index] {
-        if (TakeFocusForClick()) {
-          SetTab(index);
-        }
-      },
-      there ? std::string() : Name() + " has no tab " + std::to_string(index));
+  return WhyNoGestureOr(there ? std::string() : Name() + " has no tab " + std::to_string(index));
+}
+
+GestureResult TabStrip::UserPickTab(std::int32_t index) {
+  return Gesture(WhyNoTab(index), [this, index] {
+    if (TakeFocusForClick()) {
+      SetTab(index);
+    }
+  });
 }
 
 bool TabStrip::OnKey(Key key) {

@@ -56,6 +56,8 @@ class TabStrip final : public Control {
 
   std::function<void(std::int32_t previous)> Click;
 
+  /// Why a hand can't click on a tab, from 0, at present; empty if it can.
+  std::string WhyNoTab(std::int32_t index) const;
   /// A click on a tab, from 0.
   GestureResult UserPickTab(std::int32_t index);
 

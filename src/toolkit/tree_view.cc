@@ -177,14 +177,16 @@ void TreeView::Select(const NodeRef& node) {
   Raise(NodeClick, "NodeClick", node->Text(), true, node);
 }
 
+std::string TreeView::WhyNoNode(const NodeRef& node) const {
+  return WhyNoGestureOr(Owns(node) ? std::string() : Name() + " has no such node");
+}
+
 GestureResult TreeView::UserClickNode(const NodeRef& node) {
-  return Gesture(
-      [this, node] {
-        if (TakeFocusForClick() && Owns(node)) {
-          Select(node);
-        }
-      },
-      Owns(node) ? std::string() : Name() + " has no such node");
+  return Gesture(WhyNoNode(node), [this, node] {
+    if (TakeFocusForClick() && Owns(node)) {
+      Select(node);
+    }
+  });
 }
 
 void TreeView::Open(const NodeRef& node, bool expanded) {
@@ -195,13 +197,11 @@ void TreeView::Open(const NodeRef& node, bool expanded) {
 }
 
 GestureResult TreeView::UserExpand(const NodeRef& node, bool expanded) {
-  return Gesture(
-      [this, node, expanded] {
-        if (TakeFocusForClick() && Owns(node)) {
-          Open(node, expanded);
-        }
-      },
-      Owns(node) ? std::string() : Name() + " has no such node");
+  return Gesture(WhyNoNode(node), [this, node, expanded] {
+    if (TakeFocusForClick() && Owns(node)) {
+      Open(node, expanded);
+    }
+  });
 }
 
 bool TreeView::OnKey(Key key) {

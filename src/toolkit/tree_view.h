@@ -96,6 +96,8 @@ class TreeView final : public Control {
   /// A node is clicked, or reached by the arrow keys; it is then the SelectedItem.
   std::function<void(const NodeRef& node)> NodeClick;
 
+  /// Why a hand can't click on a node at present; empty if it can.
+  std::string WhyNoNode(const NodeRef& node) const;
   /// A click on a node, which must be in this tree. Those above it are opened first.
   GestureResult UserClickNode(const NodeRef& node);
   /// Opens or closes a node by its sign. If the selected node goes out of sight by that, the closed
