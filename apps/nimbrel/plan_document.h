@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "engine/plan/plan.h"
+#include "nimbrel/command_line.h"
+#include "nimbrel/console.h"
+
+namespace nimbrel::cli {
+
+/// A plan, where it came from, and what its file held that it cannot hold.
+struct PlanDocument {
+  engine::Plan plan;
+  std::string path;                   // as given on the command line
+  bool is_own_format = false;         // a .nplan, which can be saved
+  std::vector<std::string> warnings;  // with counts, in the order of the file
+};
+
+/// Reads a plan, choosing the reader by what is in the file and not by its name. Raises
+/// CommandError, which names the file, and engine::FormatError, which names file and row.
+PlanDocument OpenPlan(const std::string& path, const ReadingChoice& choice);
+
+/// Reads a plan that is to be changed. Raises CommandError also where it is no .nplan.
+PlanDocument OpenPlanToChange(const std::string& path);
+
+/// Puts the document's warnings on standard error, a line each: for commands whose output is data.
+void ShowWarnings(const PlanDocument& document, Console& console);
+
+/// Saves the plan in one step. Raises CommandError; the file is then as it was.
+void SaveDocument(const engine::Plan& plan, const std::string& path);
+
+}  // namespace nimbrel::cli

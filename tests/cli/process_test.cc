@@ -1,0 +1,143 @@
+// What only the program itself can show: signals, terminals and pipes.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/cli/cli_fixture.h"
+
+namespace nimbrel::cli {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+/// The program, started with its standard output and error on descriptors.
+class Child {
+ public:
+  Child(const std::vector<std::string>& arguments, int out, int err) {
+    pid_ = ::fork();
+    if (pid_ == 0) {
+      ::dup2(out, STDOUT_FILENO);
+      ::dup2(err, STDERR_FILENO);
+      std::vector<char*> argv = {const_cast<char*>(NIMBREL_PROGRAM)};
+      for (const std::string& argument : arguments) {
+        argv.push_back(const_cast<char*>(argument.c_str()));
+      }
+      argv.push_back(nullptr);
+      ::execv(NIMBREL_PROGRAM, argv.data());
+      ::_exit(99);
+    }
+  }
+  ~Child() {
+    if (pid_ > 0) {
+      ::kill(pid_, SIGKILL);
+      ::waitpid(pid_, nullptr, 0);
+    }
+  }
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+
+  void Interrupt() const { ::kill(pid_, SIGINT); }
+
+  /// The exit code, or 1000 and the number of the signal that ended it.
+  int Wait() {
+    int status = 0;
+    ::waitpid(pid_, &status, 0);
+    pid_ = 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+  }
+
+ private:
+  pid_t pid_ = 0;
+};
+
+class ProcessTest : public CliTest {
+ protected:
+  int OpenToWrite(const std::string& name) {
+    return ::open(Path(name).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  }
+};
+
+TEST_F(ProcessTest, AnInterruptedRunTellsWhatWasDoneWritesNoFileAndExitsWith130) {
+  const std::string plan = WeatherPlan();
+  const auto before = Files();
+  int terminal = -1;
+  int face = -1;
+  ASSERT_EQ(::openpty(&terminal, &face, nullptr, nullptr, nullptr), 0);
+  const int out = ::memfd_create("out", MFD_CLOEXEC);
+  Child child({"run", plan, "--iterations", "1000000", "--workers", "2", "--json", Path("r.json"),
+               "--samples", Path("s.csv")},
+              out, face);
+  ::close(face);
+
+  // Progress on the terminal says that iterations are being done.
+  std::string drawn;
+  char buffer[4096];
+  while (drawn.find(" of 1,000,000") == std::string::npos) {
+    const ssize_t count = ::read(terminal, buffer, sizeof buffer);
+    ASSERT_GT(count, 0) << drawn;
+    drawn.append(buffer, static_cast<std::size_t>(count));
+  }
+  child.Interrupt();
+  while (::read(terminal, buffer, sizeof buffer) > 0) {
+  }
+  EXPECT_EQ(child.Wait(), 130);
+
+  std::string text(1 << 16, '\0');
+  text.resize(static_cast<std::size_t>(::pread(out, text.data(), text.size(), 0)));
+  EXPECT_THAT(text, ::testing::ContainsRegex("Stopped: [0-9,]+ of 1,000,000 iterations were done"));
+  EXPECT_EQ(Files(), before);
+  ::close(out);
+  ::close(terminal);
+}
+
+TEST_F(ProcessTest, AClosedPipeIsFileTroubleAndNotASignal) {
+  const std::string plan = WeatherPlan();
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+  ::close(ends[0]);
+  const int err = OpenToWrite("err.txt");
+  Child child({"info", plan}, ends[1], err);
+  EXPECT_EQ(child.Wait(), 3);
+  EXPECT_EQ(Read(Path("err.txt")), "nimbrel: standard output: cannot be written: Broken pipe\n");
+  ::close(ends[1]);
+  ::close(err);
+}
+
+TEST_F(ProcessTest, AFullDeviceIsFileTrouble) {
+  const std::string plan = WeatherPlan();
+  const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+  const int err = OpenToWrite("err.txt");
+  Child child({"schedule", plan, "--json"}, full, err);
+  EXPECT_EQ(child.Wait(), 3);
+  EXPECT_EQ(Read(Path("err.txt")),
+            "nimbrel: standard output: cannot be written: No space left on device\n");
+  ::close(full);
+  ::close(err);
+}
+
+TEST_F(ProcessTest, WithoutATerminalThereIsNoProgress) {
+  const std::string plan = WeatherPlan();
+  const int out = OpenToWrite("out.txt");
+  const int err = OpenToWrite("err.txt");
+  Child child({"run", plan}, out, err);
+  EXPECT_EQ(child.Wait(), 0);
+  EXPECT_EQ(Read(Path("err.txt")), "");
+  EXPECT_THAT(Read(Path("out.txt")), HasSubstr("1,000 iterations"));
+  EXPECT_THAT(Read(Path("out.txt")), Not(HasSubstr("\x1b")));
+  ::close(out);
+  ::close(err);
+}
+
+}  // namespace
+}  // namespace nimbrel::cli

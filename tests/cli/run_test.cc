@@ -1,0 +1,252 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "nimbrel/json_text.h"
+#include "tests/cli/cli_fixture.h"
+
+namespace nimbrel::cli {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+std::vector<std::string> Keys(const Json& object) {
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : object.items()) {
+    keys.push_back(key);
+  }
+  return keys;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+class RunTest : public CliTest {
+ protected:
+  Json RunJson(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "run");
+    arguments.insert(arguments.end(), {"--json", "-", "--iterations", "200"});
+    return Json::parse(Output(arguments));
+  }
+};
+
+TEST_F(RunTest, JsonHasItsKeysInTheirOrder) {
+  const Json json = RunJson({WeatherPlan(), "--compare"});
+  EXPECT_THAT(Keys(json), ElementsAre("version", "plan", "iterations", "seed", "time_unit",
+                                      "weather", "deterministic", "finish", "without_weather",
+                                      "weather_delay_days", "calendars", "tasks", "warnings"));
+  EXPECT_THAT(Keys(json["finish"]), ElementsAre("mean", "sd_days", "min", "max", "p10", "p50",
+                                                "p80", "p90", "p80_low", "p80_high"));
+  EXPECT_THAT(Keys(json["without_weather"]), ElementsAre("finish"));
+  EXPECT_EQ(Keys(json["without_weather"]["finish"]), Keys(json["finish"]));
+  EXPECT_THAT(Keys(json["weather_delay_days"]), ElementsAre("mean", "p50", "p80"));
+  ASSERT_EQ(json["calendars"].size(), 1U);
+  EXPECT_THAT(Keys(json["calendars"][0]), ElementsAre("name", "kind", "lost_days"));
+  EXPECT_THAT(Keys(json["calendars"][0]["lost_days"]), ElementsAre("mean", "p80"));
+  const Json& task = json["tasks"].back();
+  EXPECT_THAT(Keys(task),
+              ElementsAre("id", "name", "start", "finish", "criticality", "nosplit_pushed_days"));
+  EXPECT_THAT(Keys(task["start"]), ElementsAre("p50"));
+  EXPECT_THAT(Keys(task["finish"]), ElementsAre("mean", "p10", "p50", "p80", "p90"));
+}
+
+TEST_F(RunTest, JsonSaysHowTheRunWasMade) {
+  const Json json = RunJson({WeatherPlan(), "--seed", "7"});
+  EXPECT_EQ(json["version"], NIMBREL_VERSION);
+  EXPECT_EQ(json["plan"], "CHAIN");
+  EXPECT_EQ(json["iterations"], 200);
+  EXPECT_EQ(json["seed"], 7);
+  EXPECT_EQ(json["time_unit"], 1);
+  EXPECT_EQ(json["weather"], true);
+  EXPECT_EQ(json["deterministic"]["finish"], "2027-03-26T17:00");
+  EXPECT_FALSE(json.contains("without_weather"));
+  EXPECT_FALSE(json.contains("weather_delay_days"));
+}
+
+TEST_F(RunTest, TasksThatCarryWeatherAreInNoResult) {
+  for (const Json& task : RunJson({WeatherPlan()})["tasks"]) {
+    EXPECT_THAT((std::vector<std::string>{"CHAIN", "A", "B", "C", "M"}),
+                ::testing::Contains(task["id"].get<std::string>()));
+  }
+}
+
+TEST_F(RunTest, ACertainPeriodLosesItsDaysInEveryIteration) {
+  // Two days, no more and no less, in a period at 100%.
+  const Json json = RunJson({WeatherPlan()});
+  EXPECT_EQ(json["calendars"][0]["name"], "STORM");
+  EXPECT_EQ(json["calendars"][0]["kind"], "event");
+  EXPECT_EQ(json["calendars"][0]["lost_days"]["mean"], 2.0);
+  EXPECT_EQ(json["calendars"][0]["lost_days"]["p80"], 2.0);
+}
+
+TEST_F(RunTest, ComparesIterationByIteration) {
+  const std::string plan = WeatherPlan();
+  Output({"run", plan, "--compare", "--samples", Path("s.csv"), "--iterations", "50"});
+  const auto lines = Lines(Read(Path("s.csv")));
+  ASSERT_EQ(lines.size(), 51U);
+  EXPECT_EQ(lines[0], "iteration,finish,finish_without_weather");
+  Output({"run", plan, "--samples", Path("with.csv"), "--iterations", "50"});
+  Output({"run", plan, "--no-weather", "--samples", Path("without.csv"), "--iterations", "50"});
+  const auto with = Lines(Read(Path("with.csv")));
+  const auto without = Lines(Read(Path("without.csv")));
+  int delayed = 0;
+  for (std::size_t at = 1; at < lines.size(); ++at) {
+    const std::string finish = without[at].substr(without[at].find(',') + 1);
+    EXPECT_EQ(lines[at], with[at] + "," + finish);
+    EXPECT_GE(with[at], without[at]) << "weather never makes the plan earlier";
+    delayed += with[at] != without[at] ? 1 : 0;
+  }
+  EXPECT_GT(delayed, 0);
+}
+
+TEST_F(RunTest, AskedTasksAreInTheSamples) {
+  Output({"run", WeatherPlan(), "--samples", Path("s.csv"), "--tasks", "c,M", "--iterations", "5"});
+  const auto lines = Lines(Read(Path("s.csv")));
+  EXPECT_EQ(lines[0], "iteration,finish,start:C,finish:C,start:M,finish:M");
+  for (std::size_t at = 1; at < lines.size(); ++at) {
+    const auto fields = [&] {
+      std::vector<std::string> all;
+      std::istringstream stream(lines[at]);
+      for (std::string field; std::getline(stream, field, ',');) {
+        all.push_back(field);
+      }
+      return all;
+    }();
+    ASSERT_EQ(fields.size(), 6U);
+    EXPECT_EQ(fields[0], std::to_string(at));
+    EXPECT_EQ(fields[1], fields[3]) << "the plan ends with C";
+    EXPECT_LT(fields[2], fields[3]);
+  }
+}
+
+TEST_F(RunTest, AskedTasksAreListedForPeople) {
+  const std::string text = Output({"run", WeatherPlan(), "--tasks", "B", "--iterations", "20"});
+  EXPECT_THAT(text, HasSubstr("Asked for"));
+}
+
+TEST_F(RunTest, AnUnknownTaskIsAWrongCommandLine) {
+  const std::string plan = WeatherPlan();
+  ExpectFailure({"run", plan, "--tasks", "A,Z"}, 2,
+                "--tasks: expected IDs of the plan's tasks, found \"Z\"");
+  ExpectFailure({"run", plan, "--tasks", "WEATHER"}, 2, "found \"WEATHER\"");
+}
+
+TEST_F(RunTest, TheSameBytesForAnyNumberOfWorkers) {
+  const std::string plan = WeatherPlan();
+  const auto bytes = [&](const std::string& workers) {
+    Output({"run", plan, "--compare", "--iterations", "101", "--tasks", "A,C", "--workers", workers,
+            "--json", Path("r.json"), "--samples", Path("s.csv")});
+    return Read(Path("r.json")) + Read(Path("s.csv"));
+  };
+  const std::string one = bytes("1");
+  EXPECT_EQ(bytes("2"), one);
+  EXPECT_EQ(bytes("3"), one);
+}
+
+TEST_F(RunTest, AnotherSeedGivesOtherSamples) {
+  const std::string plan = WeatherPlan();
+  EXPECT_NE(RunJson({plan})["finish"], RunJson({plan, "--seed", "2"})["finish"]);
+}
+
+TEST_F(RunTest, ThePlanIsNeverChanged) {
+  const std::string plan = WeatherPlan();
+  const std::string before = Read(plan);
+  Output({"run", plan, "--compare", "--iterations", "20"});
+  Output({"run", plan, "--weather", WeatherJson(), "--iterations", "20"});
+  EXPECT_EQ(Read(plan), before);
+}
+
+TEST_F(RunTest, WeatherFromAFileTakesThePlaceOfThePlans) {
+  const std::string plan = WeatherPlan();
+  const std::string other = Write("other.json", R"({ "events": [ { "calendar": "RAIN", "periods": [
+      { "description": "", "start": "2027-03-01", "finish": "2027-03-31", "probability": 1.0,
+        "min": 3, "likely": 3, "max": 3 } ] } ],
+      "windows": [], "assign": [ { "tasks": ["A"], "calendars": ["RAIN"], "nosplit": false } ] })");
+  const Json json = RunJson({plan, "--weather", other});
+  ASSERT_EQ(json["calendars"].size(), 1U);
+  EXPECT_EQ(json["calendars"][0]["name"], "RAIN");
+  EXPECT_EQ(json["calendars"][0]["lost_days"]["mean"], 3.0);
+}
+
+TEST_F(RunTest, WeatherFromAFileServesAPlanOfAnotherProgram) {
+  EXPECT_EQ(RunJson({ChainXer(), "--weather", WeatherJson()})["weather"], true);
+}
+
+TEST_F(RunTest, APlanThatIsNoWeatherPlanRunsWithoutAndSaysSo) {
+  const std::string plan = ChainPlan();
+  const Json json = RunJson({plan});
+  EXPECT_EQ(json["weather"], false);
+  EXPECT_THAT(json["calendars"], ::testing::IsEmpty());
+  EXPECT_THAT(json["warnings"].dump(), HasSubstr("no weather plan"));
+  // Single values throughout: every iteration is the deterministic one.
+  EXPECT_EQ(json["finish"]["p10"], "2027-03-26T17:00");
+  EXPECT_EQ(json["finish"]["p90"], "2027-03-26T17:00");
+  EXPECT_EQ(json["finish"]["sd_days"], 0.0);
+  EXPECT_THAT(Output({"run", plan, "--iterations", "5"}), HasSubstr("Without weather."));
+}
+
+TEST_F(RunTest, WeatherIsLeftOutOnRequest) {
+  const Json json = RunJson({WeatherPlan(), "--no-weather"});
+  EXPECT_EQ(json["weather"], false);
+  EXPECT_THAT(json["calendars"], ::testing::IsEmpty());
+  EXPECT_THAT(json["warnings"], ::testing::IsEmpty());
+}
+
+TEST_F(RunTest, TextHasTheTableTheDelayAndTheChart) {
+  const std::string text = Output({"run", WeatherPlan(), "--compare", "--iterations", "100"});
+  for (const char* part :
+       {"CHAIN, A chain: 100 iterations, seed 1", "without weather", "with weather", "P10", "P50",
+        "P80", "95% interval", "P90", "mean", "standard deviation", "Delay by weather: mean",
+        "On likely durations, without weather: 2027-03-26", "Finish on", "#", "Weather calendar",
+        "STORM", "Most critical"}) {
+    EXPECT_THAT(text, HasSubstr(part));
+  }
+}
+
+TEST_F(RunTest, QuietLeavesTheChartOut) {
+  EXPECT_THAT(Output({"run", WeatherPlan(), "--quiet", "--iterations", "20"}),
+              Not(HasSubstr("Finish on")));
+}
+
+TEST_F(RunTest, PipesGetPlainTextAndNoProgress) {
+  const Outcome outcome = Run({"run", WeatherPlan(), "--compare"}, Terminal{.utf8 = true});
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_TRUE(std::all_of(outcome.out.begin(), outcome.out.end(),
+                          [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); }));
+}
+
+TEST_F(RunTest, ATerminalSeesProgressUnlessItIsToBeQuiet) {
+  const std::string plan = WeatherPlan();
+  const Terminal terminal{.out_is_terminal = true, .err_is_terminal = true};
+  EXPECT_THAT(Run({"run", plan, "--workers", "1"}, terminal).err, HasSubstr(" of 1,000"));
+  EXPECT_EQ(Run({"run", plan, "--quiet"}, terminal).err, "");
+}
+
+TEST_F(RunTest, NothingIsWrittenIfOneOfTheFilesCannotBe) {
+  const std::string plan = WeatherPlan();
+  ExpectFailure({"run", plan, "--json", Path("r.json"), "--samples", Path("none/s.csv")}, 3,
+                "none/s.csv: cannot be written");
+}
+
+TEST_F(RunTest, BadWeatherInThePlanIsBadInput) {
+  const std::string plan = WeatherPlan();
+  const std::string weather = Write("bad.json", R"({"events": [ {"calendar": "X", "periods": [
+      {"description": "", "start": "2027-02-30", "finish": "2027-03-31", "probability": 1.0,
+       "min": 1, "likely": 1, "max": 1}]}], "windows": [], "assign": []})");
+  ExpectFailure({"run", plan, "--weather", weather}, 1, "bad.json");
+}
+
+}  // namespace
+}  // namespace nimbrel::cli
