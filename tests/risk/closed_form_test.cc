@@ -242,6 +242,7 @@ WeatherPlan AroundTheClock() {
 
 std::vector<double> DaysFromStart(const std::vector<Instant>& dates) {
   std::vector<double> days;
+  days.reserve(dates.size());
   for (const Instant date : dates) {
     days.push_back(
         static_cast<double>(date.Minutes() - Instant(WeatherPlan::Serial(1), 0).Minutes()) /

@@ -44,13 +44,16 @@ double IntegratedBetaCdf(double x, double alpha, double beta) {
 }
 
 TEST(PortableFunctions, AgreeWithTheCLibrary) {
-  for (double x = 1e-300; x < 1e300; x *= 1.7) {
+  for (int power = -299; power < 300; ++power) {
+    const double x = 1.7 * std::pow(10.0, power);
     EXPECT_NEAR(PortableLog(x), std::log(x), 1e-15 * std::max(1.0, std::abs(std::log(x))));
   }
-  for (double x = 0.5; x < 2.0; x += 0.001) {
+  for (int i = 500; i < 2000; ++i) {
+    const double x = i / 1000.0;
     EXPECT_NEAR(PortableLog(x), std::log(x), 3e-16);
   }
-  for (double x = -700; x < 700; x += 0.37) {
+  for (int i = -1890; i < 1890; ++i) {
+    const double x = i * 0.37;
     EXPECT_NEAR(PortableExp(x) / std::exp(x), 1.0, 1e-15);
   }
 }
@@ -58,7 +61,8 @@ TEST(PortableFunctions, AgreeWithTheCLibrary) {
 TEST(Beta, CdfMeetsTheBinomialSumForWholeParameters) {
   for (int alpha = 1; alpha <= 5; ++alpha) {
     const Beta beta(alpha, 6 - alpha);
-    for (double x = 0; x <= 1.0; x += 1.0 / 256) {
+    for (int i = 0; i <= 256; ++i) {
+      const double x = i / 256.0;
       EXPECT_NEAR(beta.Cdf(x), WholeBetaCdf(x, alpha), 1e-13) << alpha << " " << x;
     }
   }
@@ -67,7 +71,8 @@ TEST(Beta, CdfMeetsTheBinomialSumForWholeParameters) {
 TEST(Beta, CdfMeetsTheIntegralOfTheDensity) {
   for (const double alpha : {2.6, 3.0, 3.7, 4.9}) {
     const Beta beta(alpha, 8 - alpha);
-    for (double x = 0.05; x < 1.0; x += 0.05) {
+    for (int i = 1; i < 20; ++i) {
+      const double x = i / 20.0;
       // The rule's error is that of the fourth derivative, which is unbounded at 0 for small alpha.
       EXPECT_NEAR(beta.Cdf(x), IntegratedBetaCdf(x, alpha, 8 - alpha), 1e-9) << alpha << " " << x;
     }
@@ -75,7 +80,8 @@ TEST(Beta, CdfMeetsTheIntegralOfTheDensity) {
 }
 
 TEST(Beta, InverseMeetsTheCdf) {
-  for (double alpha = 1.0; alpha <= 5.0; alpha += 0.25) {
+  for (int i = 4; i <= 20; ++i) {
+    const double alpha = i / 4.0;
     const Beta beta(alpha, 6 - alpha);
     for (const double u : {1e-12, 1e-7, 1e-3, 0.1, 0.25, 0.5, 0.75, 0.9, 0.999}) {
       const double x = beta.InverseCdf(u);
@@ -90,14 +96,17 @@ TEST(Beta, InverseMeetsTheCdf) {
 }
 
 TEST(BetaTable, IsAsNearToTheInverseAsItSays) {
-  for (double relative_mode = 0; relative_mode <= 1.0; relative_mode += 0.05) {
+  for (int i = 0; i <= 20; ++i) {
+    const double relative_mode = i / 20.0;
     const Beta beta(1 + 4 * relative_mode, 5 - 4 * relative_mode);
     const BetaTable table(beta);
-    for (double u = 1e-4; u < 1 - 1e-4; u += 0.00137) {
+    for (int k = 0; k < 730; ++k) {
+      const double u = 1e-4 + k * 0.00137;
       EXPECT_NEAR(table.At(u), beta.InverseCdf(u), 2e-6) << relative_mode << " " << u;
       EXPECT_NEAR(beta.Cdf(table.At(u)), u, 3e-7) << relative_mode << " " << u;
     }
-    for (double tail = 1e-15; tail < 1e-4; tail *= 1.3) {
+    for (int k = 0; k < 96; ++k) {
+      const double tail = 1e-15 * std::pow(1.3, k);
       EXPECT_NEAR(beta.Cdf(table.At(tail)), tail, 3e-7) << relative_mode << " " << tail;
       EXPECT_NEAR(beta.Cdf(table.At(1 - tail)), 1 - tail, 3e-7) << relative_mode << " " << tail;
     }

@@ -99,6 +99,7 @@ TEST(UniformsAt, GivesWhatUniformAtGives) {
 std::vector<double> Read(RunStream& stream, std::int32_t iteration, int count) {
   stream.Begin(iteration);
   std::vector<double> numbers;
+  numbers.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) {
     numbers.push_back(stream.Next());
   }

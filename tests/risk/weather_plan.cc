@@ -217,6 +217,7 @@ RunWiring WithListener(const Listener& listener) {
 
 std::vector<int> DaysLate(const std::vector<Instant>& finishes, int day) {
   std::vector<int> late;
+  late.reserve(finishes.size());
   for (const Instant finish : finishes) {
     late.push_back(WeatherPlan::DayOf(finish) - day);
   }

@@ -64,7 +64,7 @@ struct RunResult {
 /// The same iterations with weather and without.
 struct ComparedResult {
   RunResult with_weather;
-  RunResult without_weather;
+  RunResult without_weather;  // of the plan's finish alone: without tasks, calendars and samples
   /// Finish with less finish without, in minutes, for each iteration that both runs did.
   std::vector<std::int64_t> delay_minutes;
   DayStatistics delay;

@@ -117,12 +117,14 @@ RankInterval QuantileInterval(std::int64_t count, int percent) {
 
   // The sums begin at the far ends, where the parts are smallest.
   std::int64_t low = lowest;
-  for (double sum = at(low); sum <= tail; sum += at(low)) {
-    ++low;  // P(B < low) is within the tail
+  double sum = at(low);
+  while (sum <= tail) {  // then P(B < low + 1) is within the tail
+    sum += at(++low);
   }
   std::int64_t high = highest + 1;
-  for (double sum = at(high - 1); sum <= tail; sum += at(high - 1)) {
-    --high;  // P(B >= high) is within the tail
+  sum = at(high - 1);
+  while (sum <= tail) {  // then P(B >= high - 1) is within the tail
+    sum += at(--high - 1);
   }
   return {std::max<std::int64_t>(low, 1) - 1, std::min(high, count) - 1};
 }

@@ -92,7 +92,7 @@ void TileWriter::Add(const Scheduler& scheduler) {
 
 void TileWriter::TurnOver() {
   const auto tasks = static_cast<std::size_t>(file_.tasks());
-  const auto begin = static_cast<std::size_t>((added_ - 1) / kBatch * kBatch);
+  const auto begin = static_cast<std::size_t>((added_ - 1) / kBatch) * kBatch;
   for (std::size_t task = 0; task < tasks; ++task) {
     Instant* const starts = dates_.data() + task * kDatesPerTask + begin;
     Instant* const finishes = starts + kTileIterations;
