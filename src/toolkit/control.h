@@ -39,7 +39,7 @@ enum class Property {
   kColumns,
   kTab,  ///< the page on show
   kStyle,
-  kScroll,  ///< an item has to be brought into view
+  kScroll,  ///< ScrollTarget, an item to bring into view
   kFocus,   ///< has taken or lost the focus, or kept it against a gesture
 };
 

@@ -86,6 +86,7 @@ bool ListItem::Selected() const {
 
 void ListItem::EnsureVisible() {
   if (list_ != nullptr) {
+    list_->scroll_target_ = ListItemRef(this);
     list_->Changed(Property::kScroll);
   }
 }

@@ -57,8 +57,10 @@ void ListItemList::RemoveAt(std::size_t position) {
   keys_.erase(row->key_);
   rows_.erase(std::next(rows_.begin(), static_cast<std::ptrdiff_t>(position)));
   row->list_ = nullptr;
-  if (list_.selected_ == row) {
-    list_.selected_ = nullptr;
+  for (ListItemRef* const held : {&list_.selected_, &list_.scroll_target_}) {
+    if (*held == row) {
+      *held = nullptr;
+    }
   }
   list_.Changed(Property::kEntries);
 }
@@ -78,6 +80,7 @@ void ListItemList::Clear() {
   rows_.clear();
   keys_.clear();
   list_.selected_ = nullptr;
+  list_.scroll_target_ = nullptr;
   list_.Changed(Property::kEntries);
 }
 

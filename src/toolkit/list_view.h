@@ -112,6 +112,10 @@ class ListView final : public Control {
   /// Raises no event. Raises error 35601 for a row that is not in this list.
   void SetSelectedItem(const ListItemRef& item);
 
+  /// The row that was last asked to be brought into view, for faces; Nothing if there is none or it
+  /// has been taken out.
+  const ListItemRef& ScrollTarget() const { return scroll_target_; }
+
   /// Sorting compares the texts of one column without regard to case, character by character; rows
   /// whose texts are equal keep their order, in both directions. The rows are sorted when Sorted is
   /// set to true, and while it is, when the key or the order is set to another value. Rows that
@@ -165,6 +169,7 @@ class ListView final : public Control {
   ListItemList items_{*this};
   ColumnHeaderList columns_{*this};
   ListItemRef selected_;
+  ListItemRef scroll_target_;
   ListViewStyle style_;
   bool check_boxes_ = false;
   bool sorted_ = false;

@@ -97,7 +97,10 @@ void Node::EnsureVisible() {
   for (NodeRef above = Parent(); !above.IsNothing(); above = above->Parent()) {
     above->SetExpanded(true);
   }
-  TellChanged(Property::kScroll);
+  if (tree_ != nullptr) {
+    tree_->scroll_target_ = NodeRef(this);
+    tree_->Changed(Property::kScroll);
+  }
 }
 
 void Node::Link(Node& parent, Node* before) {

@@ -79,8 +79,10 @@ void NodeList::Remove(std::string_view key) {
     }
   }
   for (Node* const each : going) {
-    if (tree_.selected_.get() == each) {
-      tree_.selected_ = nullptr;
+    for (NodeRef* const held : {&tree_.selected_, &tree_.scroll_target_}) {
+      if (held->get() == each) {
+        *held = nullptr;
+      }
     }
     keys_.erase(each->key_);
     each->Forget();
@@ -96,6 +98,7 @@ void NodeList::Clear() {
   tree_.top_->Forget();
   tree_.top_->tree_ = &tree_;
   tree_.selected_ = nullptr;
+  tree_.scroll_target_ = nullptr;
   keys_.clear();
   nodes_.clear();
   tree_.Changed(Property::kEntries);

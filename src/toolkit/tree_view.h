@@ -86,6 +86,10 @@ class TreeView final : public Control {
   /// Raises no event. Raises error 35601 for a node that is not in this tree.
   void SetSelectedItem(const NodeRef& node);
 
+  /// The node that was last asked to be brought into view, for faces; Nothing if there is none or
+  /// it has been taken out.
+  const NodeRef& ScrollTarget() const { return scroll_target_; }
+
   /// The node that stands below, or above, on show; Nothing at the end.
   static NodeRef ShownBelow(const Node& node);
   static NodeRef ShownAbove(const Node& node);
@@ -120,6 +124,7 @@ class TreeView final : public Control {
   NodeList nodes_{*this};
   const ImageList* images_ = nullptr;
   NodeRef selected_;
+  NodeRef scroll_target_;
   TreeStyle style_ = TreeStyle::kText;
 };
 

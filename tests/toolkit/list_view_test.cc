@@ -113,6 +113,15 @@ TEST_F(ListViewTest, RemovingTheSelectedRowLeavesNoSelection) {
   EXPECT_TRUE(rows_.SelectedItem().IsNothing());
 }
 
+TEST_F(ListViewTest, TheRowToBringIntoViewIsForgottenWithTheRow) {
+  AddRow("a", "");
+  const ListItemRef row = AddRow("b", "");
+  row->EnsureVisible();
+  EXPECT_EQ(rows_.ScrollTarget(), row);
+  rows_.ListItems().Remove(2);
+  EXPECT_TRUE(rows_.ScrollTarget().IsNothing());
+}
+
 TEST_F(ListViewTest, ARowMayOutliveItsList) {
   ListItemRef row;
   {

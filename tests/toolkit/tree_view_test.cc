@@ -181,6 +181,9 @@ TEST_F(TreeViewTest, AClickSelectsTheNodeAndOpensThoseAboveIt) {
   EXPECT_TRUE(root_->Expanded());
   EXPECT_TRUE(a->Expanded());
   EXPECT_FALSE(b->Expanded());
+  EXPECT_EQ(tree_.ScrollTarget(), b);
+  tree_.Nodes().Remove("ka");
+  EXPECT_TRUE(tree_.ScrollTarget().IsNothing());
 }
 
 TEST_F(TreeViewTest, ANodeThatIsNotInTheTreeCannotBeClicked) {
