@@ -104,7 +104,7 @@ void Plan::RenameTask(Uid uid, const std::string& id) {
   if (holder != nullptr && holder->uid != uid) {
     throw platform::RuntimeError(platform::kDuplicateKey, "A task has the ID already: " + id);
   }
-  if (Task* task = FindTask(uid)) {
+  if (Task* task = FindTask(uid); task != nullptr && task->id != id) {
     task->id = id;
     index_valid_ = false;
   }
