@@ -83,6 +83,17 @@ TEST_F(Backward, MandatoryDatesAreLateDatesToo) {
   EXPECT_THAT(scheduled.Breaches(), IsEmpty());
 }
 
+TEST_F(Backward, AConstraintWithoutADateHoldsNothing) {
+  const std::string early = Scheduled(small).Early("A");
+  const std::string late = Scheduled(small).Late("A");
+  for (int type = 1; type <= 8; ++type) {
+    small.Get("A").constraint = {static_cast<ConstraintType>(type), {}};
+    const Scheduled scheduled(small);
+    EXPECT_EQ(scheduled.Early("A"), early) << type;
+    EXPECT_EQ(scheduled.Late("A"), late) << type;
+  }
+}
+
 TEST_F(Backward, FloatIsCountedInTheTasksOwnWorkingTime) {
   small.Get("A").calendar = small.AddWeek("Seven", 7, 8);
   const Scheduled scheduled(small);

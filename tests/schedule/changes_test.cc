@@ -4,6 +4,7 @@
 #include "engine/schedule/scheduler.h"
 #include "tests/support/schedule/random_plan.h"
 #include "tests/support/schedule/schedule_check.h"
+#include "tests/support/schedule/small_plan.h"
 
 namespace nimbrel::test {
 namespace {
@@ -141,6 +142,20 @@ TEST(ScheduleChanged, GivesTheDatesThatSchedulingAllOverGives) {
 TEST(ScheduleChanged, GivesTheDatesThatSchedulingAllOverGivesInPlansWithEverything) {
   ExpectSameAsFromScratch(
       {.with_constraints = true, .with_progress = true, .with_risk_calendars = true});
+}
+
+TEST(ScheduleChanged, SeesADayGivenBackBetweenATasksFinishAndWhatHoldsIt) {
+  SmallPlan small;
+  small.Add("A", 8).calendar = small.AddWeek("Seven", 7, 8);  // to Monday the 8th
+  small.Add("B", 1);
+  small.Join("A", "B", engine::LinkType::kFinishToFinish);
+  Scheduled scheduled(small);
+  scheduled.scheduler.TakeDays(0, SmallPlan::kMonday + 7, SmallPlan::kMonday + 7);
+  scheduled.scheduler.ScheduleChanged();
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-05T08:00 to 2027-03-05T17:00");
+  scheduled.scheduler.GiveDays(0, SmallPlan::kMonday + 7, SmallPlan::kMonday + 7);
+  scheduled.scheduler.ScheduleChanged();
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-08T08:00 to 2027-03-08T17:00");
 }
 
 }  // namespace

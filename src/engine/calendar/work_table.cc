@@ -62,15 +62,10 @@ void WorkTable::Rebuild(std::int32_t first_changed) {
   }
 }
 
-std::int32_t WorkTable::Position(Instant moment) {
+std::int32_t WorkTable::PositionOfUnequal(Instant moment) {
   const std::int32_t at = moment.day() - first_day_;
   if (at < 0 || at >= covered_) {
     ExtendToDay(at);
-  }
-  if (uniform_) {
-    const std::int32_t days = days_before_[at];
-    const bool is_worked = days_before_[at + 1] != days;
-    return days * minutes_per_day_ + (is_worked ? worked_before_[moment.minute()] : 0);
   }
   const std::int32_t minutes = minutes_before_[at];
   return minutes_before_[at + 1] == minutes

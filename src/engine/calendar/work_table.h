@@ -80,6 +80,7 @@ class WorkTable {
 
  private:
   Instant MinuteAt(std::int32_t position);
+  std::int32_t PositionOfUnequal(Instant moment);
   void Extend(std::int32_t days);
   void ExtendToDay(std::int32_t day);
   void ExtendToPosition(std::int32_t position);
@@ -110,6 +111,19 @@ class WorkTable {
   // Days of unequal length.
   std::vector<std::int32_t> minutes_before_;  // minutes of work before a day
 };
+
+inline std::int32_t WorkTable::Position(Instant moment) {
+  if (!uniform_) {
+    return PositionOfUnequal(moment);
+  }
+  const std::int32_t at = moment.day() - first_day_;
+  if (static_cast<std::uint32_t>(at) >= static_cast<std::uint32_t>(covered_)) {
+    ExtendToDay(at);
+  }
+  const std::int32_t days = days_before_[at];
+  const bool is_worked = days_before_[at + 1] != days;
+  return days * minutes_per_day_ + (is_worked ? worked_before_[moment.minute()] : 0);
+}
 
 inline WorkTable::Span WorkTable::Place(std::int32_t moment, std::int32_t minutes) {
   const std::int32_t at = (moment >> 11) - first_day_;

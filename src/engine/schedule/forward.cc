@@ -55,6 +55,10 @@ void ScheduleTask(Network& network, Slot slot) {
         MomentWithoutWork(table, Instant::FromPacked(std::max(bounds.start, bounds.finish)),
                           network.facts[slot].kind);
     SetEarly(network, slot, moment, moment);
+  } else if (bounds.finish == kNoFloor && table.is_uniform()) {
+    const WorkTable::Span span = table.Place(bounds.start, minutes);
+    network.early[StartOf(slot)] = span.start;
+    network.early[FinishOf(slot)] = span.finish;
   } else {
     const std::int32_t start = StartPosition(table, minutes, bounds);
     SetEarly(network, slot, table.StartAt(start), table.FinishAt(start + minutes));
@@ -114,8 +118,10 @@ void RefreshTables(Network& network, bool mark_tasks) {
     network.tables[table].Rebuild(first_changed);
     if (mark_tasks) {
       for (const Slot slot : network.table_tasks[static_cast<std::int32_t>(table)]) {
-        // Days after a task's last one cannot touch it.
-        if (Instant::FromPacked(network.early[FinishOf(slot)]).day() >= first_changed) {
+        // Days after a task's last one cannot touch it, unless its finish is held: the finish
+        // stands where work ends, and the moment that holds it may come days later.
+        if (network.nodes[slot].is_general ||
+            Instant::FromPacked(network.early[FinishOf(slot)]).day() >= first_changed) {
           network.MarkDirty(slot);
         }
       }

@@ -20,8 +20,9 @@ std::int32_t AddMinutes(std::int32_t moment, std::int32_t minutes) {
 
 bool IsMandatory(const Constraint& constraint, bool is_started) {
   // A started task has its start already: only what remains can still be held.
-  return constraint.type == ConstraintType::kMandatoryFinish ||
-         (constraint.type == ConstraintType::kMandatoryStart && !is_started);
+  return !constraint.date.IsAbsent() &&
+         (constraint.type == ConstraintType::kMandatoryFinish ||
+          (constraint.type == ConstraintType::kMandatoryStart && !is_started));
 }
 
 bool HoldsStart(ConstraintType type) {

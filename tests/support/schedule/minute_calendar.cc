@@ -6,23 +6,24 @@ namespace nimbrel::test {
 
 MinuteCalendar::MinuteCalendar(std::int32_t first_day, std::int32_t days, const HoursOf& hours_of)
     : first_(std::int64_t{first_day} * engine::kMinutesPerDay) {
-  works_.resize(static_cast<std::size_t>(days) * engine::kMinutesPerDay, false);
+  work_before_.reserve(static_cast<std::size_t>(days) * engine::kMinutesPerDay + 1);
+  std::int32_t work = 0;
   for (std::int32_t day = 0; day < days; ++day) {
+    std::int32_t minute = 0;
     for (const engine::Shift& shift : hours_of(first_day + day)) {
-      for (std::int32_t minute = shift.begin; minute < shift.end; ++minute) {
-        works_[static_cast<std::size_t>(day) * engine::kMinutesPerDay +
-               static_cast<std::size_t>(minute)] = true;
+      work_before_.insert(work_before_.end(), static_cast<std::size_t>(shift.begin - minute), work);
+      for (minute = shift.begin; minute < shift.end; ++minute) {
+        work_before_.push_back(work++);
       }
     }
+    work_before_.insert(work_before_.end(),
+                        static_cast<std::size_t>(engine::kMinutesPerDay - minute), work);
   }
-  work_before_.push_back(0);
-  for (const bool works : works_) {
-    work_before_.push_back(work_before_.back() + (works ? 1 : 0));
-  }
+  work_before_.push_back(work);
 }
 
 bool MinuteCalendar::Works(std::int64_t moment) const {
-  return works_.at(static_cast<std::size_t>(moment - first_));
+  return WorkBetween(moment, moment + 1) == 1;
 }
 
 std::int64_t MinuteCalendar::WorkBetween(std::int64_t from, std::int64_t to) const {

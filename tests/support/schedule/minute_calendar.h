@@ -33,7 +33,6 @@ class MinuteCalendar {
 
  private:
   std::int64_t first_;
-  std::vector<bool> works_;
   std::vector<std::int32_t> work_before_;  // minutes of work before each minute
 };
 

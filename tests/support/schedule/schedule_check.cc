@@ -21,7 +21,7 @@ using engine::TaskKind;
 
 // Days that are looked at before the plan's first and after its last date: enough for leads and for
 // the way to the next working time.
-constexpr std::int32_t kMargin = 120;
+constexpr std::int32_t kMargin = 60;
 
 /// A moment that a date of a task must not come before (early) or after (late).
 struct Bound {
