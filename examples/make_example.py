@@ -211,10 +211,10 @@ def river_pier(key, name, first_preds):
         act(f"{key}-{number:03d}", f"{name}: {text}", days, calendar, preds, spread)
 
     step(10, "drive cofferdam sheets", 12, "M", first_preds, "marine")
-    step(20, "frames and dredging inside", 9, "M", f"{key}-010", "marine")
+    step(20, "frames and dredging inside", 11, "M", f"{key}-010", "marine")
     step(30, "set up rig and casing frame", 3, "M", f"{key}-020", "marine")
-    step(40, "bored piles 1 to 4", 10, "M", f"{key}-030", "piling")
-    step(50, "bored piles 5 to 8", 10, "M", f"{key}-040", "piling")
+    step(40, "bored piles 1 to 4", 12, "M", f"{key}-030", "piling")
+    step(50, "bored piles 5 to 8", 12, "M", f"{key}-040", "piling")
     step(60, "pile tests and cut-down", 5, "M", f"{key}-050 SS+6, {key}-050 FF+4", "piling")
     step(70, "tremie seal", 2, "M", f"{key}-060", "marine")
     step(80, "pump out, cap formwork and bars", 12, "X", f"{key}-070 FS+5", "concrete")
@@ -246,7 +246,7 @@ def substructure():
     global _area
     _area = "SU"
     act("SU140", "River marks and boom laid out after the ice", 3, "M", "SU130", "marine",
-        constraint=("CS_MSOA", "2027-04-01 06:00"))
+        constraint=("CS_MSOA", "2027-04-12 06:00"))
 
 
 LINKS_LATER = []
@@ -273,11 +273,11 @@ def superstructure():
         act(f"ST-{span}30", f"Span {span}: lift first girder pair", 2, calendar, f"ST-{span}20", "lift")
         act(f"ST-{span}40", f"Span {span}: lift second girder pair", 2, calendar,
             f"ST-{span}30 FS+1", "lift")
-        act(f"ST-{span}50", f"Span {span}: brace and bolt up", 7, "X", f"ST-{span}40", "site")
-        act(f"ST-{span}60", f"Span {span}: weld splices and test", 9, "X", f"ST-{span}50", "site")
+        act(f"ST-{span}50", f"Span {span}: brace and bolt up", 9, "X", f"ST-{span}40", "site")
+        act(f"ST-{span}60", f"Span {span}: weld splices and test", 11, "X", f"ST-{span}50", "site")
     act("ST-900", "Floating crane: tow away", 3, "M", "ST-440, ST-540", "marine")
     act("ST-910", "Bearings: release and grout", 8, "X", "ST-460, ST-660", "site")
-    act("ST-920", "Steelwork: touch-up paint", 15, "X", "ST-910 SS+4, ST-460", "site")
+    act("ST-920", "Steelwork: touch-up paint", 18, "X", "ST-910 SS+4, ST-460", "site")
 
     area("DK", "Deck", "SP")
     deck_order = [1, 2, 3, 6, 5, 4]
@@ -286,28 +286,28 @@ def superstructure():
         chain = f", DK-{previous}20" if previous else ""
         act(f"DK-{span}10", f"Span {span}: lift deck planks", 4, "X",
             f"ST-{span}60, PR930{chain}", "lift")
-        act(f"DK-{span}20", f"Span {span}: deck bars and edge forms", 10, "X", f"DK-{span}10", "concrete")
+        act(f"DK-{span}20", f"Span {span}: deck bars and edge forms", 13, "X", f"DK-{span}10", "concrete")
         act(f"DK-{span}30", f"Span {span}: pour deck", 1, "X", f"DK-{span}20, ST-920 FS-12" if
             span == 4 else f"DK-{span}20", "pour")
         act(f"DK-{span}40", f"Span {span}: deck gains strength", 7, "C", f"DK-{span}30", None)
         previous = span
-    act("DK-900", "Stitch pours over the piers", 6, "X", "DK-440, DK-340, DK-540", "pour")
-    act("DK-910", "Strip forms and check levels", 8, "X", "DK-900 FS+4", "site")
-    act("DK-920", "Load test of the deck", 3, "X", "DK-910", "site")
+    act("DK-900", "Stitch pours over the piers", 8, "X", "DK-440, DK-340, DK-540", "pour")
+    act("DK-910", "Strip forms and check levels", 10, "X", "DK-900 FS+4", "site")
+    act("DK-920", "Load test of the deck", 4, "X", "DK-910", "site")
 
 
 def finishes():
     area("FI", "Finishes", "SP")
-    act("FI-010", "Kerbs and edge beams, spans 1 to 3", 14, "X", "DK-340", "concrete")
-    act("FI-020", "Kerbs and edge beams, spans 4 to 6", 14, "X", "DK-920, FI-010", "concrete")
+    act("FI-010", "Kerbs and edge beams, spans 1 to 3", 18, "X", "DK-340", "concrete")
+    act("FI-020", "Kerbs and edge beams, spans 4 to 6", 18, "X", "DK-920, FI-010", "concrete")
     act("FI-030", "Deck drainage", 12, "X", "FI-010 SS+6, FI-020 FF+2", "site")
-    act("FI-040", "Prepare and waterproof deck, spans 1 to 3", 10, "X", "FI-010, DK-920", "membrane")
-    act("FI-050", "Prepare and waterproof deck, spans 4 to 6", 10, "X", "FI-020, FI-040", "membrane")
+    act("FI-040", "Prepare and waterproof deck, spans 1 to 3", 13, "X", "FI-010, DK-920", "membrane")
+    act("FI-050", "Prepare and waterproof deck, spans 4 to 6", 13, "X", "FI-020, FI-040", "membrane")
     act("FI-060", "Expansion joints, west", 7, "X", "PR920, FI-040, WA-150", "site")
     act("FI-070", "Expansion joints, east", 7, "X", "FI-050, FI-060, EA-150", "site")
     act("FI-080", "Parapets", 20, "S", "PR940, FI-020 SS+5", "site")
     act("FI-090", "Asphalt base course on the deck", 4, "X", "FI-050, FI-070 FF", "paving",
-        constraint=("CS_MSOA", "2028-04-03 07:00"))
+        constraint=("CS_MSOA", "2028-03-27 07:00"))
     act("FI-100", "Asphalt surface course on the deck", 3, "X", "FI-090, WR-080, ER-080", "paving")
     act("FI-110", "Lighting columns and cables", 15, "S", "FI-080 SS+8, FI-080 FF+4", "site")
     act("FI-120", "Road markings and signs", 5, "S", "FI-100", "paving")
