@@ -240,6 +240,26 @@ TEST(RiskRun, WeatherTasksHaveNoResults) {
   EXPECT_THAT(ids, ElementsAre("A", "B", "LIFT", "MAYBE", "END"));
 }
 
+TEST(RiskRun, ASummarySpansItsTasksInEveryIteration) {
+  WeatherPlan plan = WithAllWeather();
+  Task summary;
+  summary.id = "PHASE";
+  summary.kind = TaskKind::kSummary;
+  const Uid phase = plan.plan.AddTask(summary).uid;
+  for (const char* child : {"B", "LIFT"}) {
+    plan.plan.FindTask(child)->parent = phase;
+  }
+  const RunResult result = engine::Run(
+      plan.plan, {.iterations = 100, .asked = {phase, plan.UidOf("B"), plan.UidOf("LIFT")}},
+      WithAddIn());
+  for (std::size_t i = 0; i < 100; ++i) {
+    EXPECT_EQ(result.samples[0].start[i],
+              std::min(result.samples[1].start[i], result.samples[2].start[i]));
+    EXPECT_EQ(result.samples[0].finish[i],
+              std::max(result.samples[1].finish[i], result.samples[2].finish[i]));
+  }
+}
+
 TEST(RiskRun, CountsHowOftenATaskDrivesTheFinish) {
   // A and B side by side and alike; each is the longer one in half of the iterations. C is behind
   // both and always drives, D never does.

@@ -79,12 +79,9 @@ TileWriter::TileWriter(DateFile& file)
 
 void TileWriter::Add(const Scheduler& scheduler) {
   const auto tasks = static_cast<std::size_t>(file_.tasks());
-  Instant* const starts = rows_.data() + 2 * tasks * static_cast<std::size_t>(added_ % kBatch);
-  Instant* const finishes = starts + tasks;
-  for (std::size_t task = 0; task < tasks; ++task) {
-    starts[task] = scheduler.early_start(static_cast<TaskIndex>(task));
-    finishes[task] = scheduler.early_finish(static_cast<TaskIndex>(task));
-  }
+  const std::span<Instant> rows =
+      std::span(rows_).subspan(2 * tasks * static_cast<std::size_t>(added_ % kBatch), 2 * tasks);
+  scheduler.CopyEarlyDates(rows.first(tasks), rows.last(tasks));
   if (++added_ % kBatch == 0) {
     TurnOver();
   }

@@ -131,6 +131,19 @@ Instant Scheduler::early_finish(TaskIndex task) const {
   return Instant::FromPacked(compiled_->network.early[FinishOf(slot)]);
 }
 
+void Scheduler::CopyEarlyDates(std::span<Instant> starts, std::span<Instant> finishes) const {
+  Network& network = compiled_->network;
+  if (network.task_count > network.network_count) {
+    FillEarlySpans(network);
+  }
+  const std::int32_t* const early = network.early.data();
+  for (TaskIndex task = 0; task < network.task_count; ++task) {
+    const Slot slot = network.slot_of[task];
+    starts[static_cast<std::size_t>(task)] = Instant::FromPacked(early[StartOf(slot)]);
+    finishes[static_cast<std::size_t>(task)] = Instant::FromPacked(early[FinishOf(slot)]);
+  }
+}
+
 Instant Scheduler::late_start(TaskIndex task) const {
   return Instant::FromPacked(compiled_->network.late[StartOf(compiled_->SlotOf(task))]);
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -82,6 +83,8 @@ class Scheduler {
   /// it starts.
   Instant early_start(TaskIndex task) const;
   Instant early_finish(TaskIndex task) const;
+  /// The early dates of all tasks; both columns have task_count() entries.
+  void CopyEarlyDates(std::span<Instant> starts, std::span<Instant> finishes) const;
   /// Late dates and floats, after ScheduleBackward. Floats are minutes of the task's own working
   /// time. Absent and 0 for finished tasks.
   Instant late_start(TaskIndex task) const;
