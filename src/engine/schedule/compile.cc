@@ -193,15 +193,17 @@ void Compiler::AssignSlots() {
            : task.IsFinished()                     ? 1
                                                    : 0;
   };
-  const auto key_of = [&](TaskIndex index) {
+  std::vector<std::tuple<int, std::int32_t, bool, std::int32_t, Uid, TaskIndex>> keys;
+  keys.reserve(tasks_.size());
+  for (TaskIndex index = 0; index < count; ++index) {
     const auto i = static_cast<std::size_t>(index);
-    return std::tuple(group_of(index), levels[i], bool{has_lag[i]}, predecessors[i],
+    keys.emplace_back(group_of(index), levels[i], has_lag[i], predecessors[i],
                       TaskAt(index).calendar, index);
-  };
-  network_.index_at.resize(tasks_.size());
-  std::iota(network_.index_at.begin(), network_.index_at.end(), 0);
-  std::sort(network_.index_at.begin(), network_.index_at.end(),
-            [&key_of](TaskIndex a, TaskIndex b) { return key_of(a) < key_of(b); });
+  }
+  std::sort(keys.begin(), keys.end());
+  for (const auto& key : keys) {
+    network_.index_at.push_back(std::get<5>(key));
+  }
 
   network_.slot_of.resize(tasks_.size());
   std::array<Slot, 4> sizes{};

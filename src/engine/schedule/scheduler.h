@@ -52,15 +52,18 @@ class Scheduler {
   // What an iteration changes. None of these schedules by itself.
 
   /// Sets what remains of a task in minutes of its own working time, 0 or more. Ignored for
-  /// finished tasks, summaries and levels of effort.
+  /// finished tasks, milestones, summaries and levels of effort.
   void SetRemaining(TaskIndex task, std::int32_t minutes);
   std::int32_t remaining(TaskIndex task) const;
   /// Sets the primary constraint. For a started task a start constraint holds what remains.
   void SetConstraint(TaskIndex task, const Constraint& constraint);
 
   /// Makes the days from `first` to `last` (both included) non-working; nothing if last < first.
+  /// Lags go on as the pattern and the exceptions say. Days outside the years 1950 to 2150 are
+  /// never worked: taking them changes nothing.
   void TakeDays(CalendarIndex calendar, std::int32_t first, std::int32_t last);
-  /// Gives back all days in the range that TakeDays took.
+  /// Gives back all days in the range that are taken: by TakeDays, or in the plan's calendar when
+  /// it was compiled.
   void GiveDays(CalendarIndex calendar, std::int32_t first, std::int32_t last);
   /// Worked days from `first` to `last`, both included, as the calendar stands now; 0 if last <
   /// first.
@@ -103,7 +106,9 @@ class Scheduler {
   void CountDriving(std::vector<std::uint32_t>& on_path) const;
 
   /// Whether the task has any working time on the day: by its own calendar and its risk calendars.
-  /// Every day counts as worked for a finished task, of which nothing can be held up any more.
+  /// Every day counts as worked for a finished task, a summary and a level of effort: nothing of
+  /// the one is left, the others' dates follow those of other tasks, and no constraint moves them,
+  /// so that nothing can be gained by holding them back.
   bool HasWorkOn(TaskIndex task, std::int32_t day) const;
   /// The start of the task's working time on the first day from `day` on that has any. Raises
   /// SchedulingError where there is none within what calendars cover.
