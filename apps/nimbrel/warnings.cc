@@ -1,310 +1,243 @@
 #include "nimbrel/warnings.h"
 
-#include <algorithm>
-#include <unordered_map>
-#include <unordered_set>
+#include <fmt/format.h>
 
-#include "fmt/format.h"
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "engine/schedule/scheduler.h"
+#include "nimbrel/command_line.h"
+#include "nimbrel/weather_json.h"
+#include "nimbrel/weather_room.h"
 #include "nimbrel/wiring.h"
-#include "platform/date.h"
-#include "platform/locale.h"
-#include "platform/runtime_error.h"
 
 namespace nimbrel::cli {
 namespace {
 
-using engine::CalendarDefinition;
-using engine::DayRange;
-using engine::Instant;
 using engine::Plan;
 using engine::Task;
 using engine::TimeUnit;
-using engine::Uid;
 
-constexpr double kCertain = 100;
-constexpr std::int32_t kDaysLookedAhead = 5 * 366;
+/// How far beyond the plan's finish a task is followed that finds no room before it.
+constexpr std::int32_t kDaysBeyondFinish = 5 * 366;
 
-/// "3 periods of NORTH SEA, FROST" in order of first appearance.
+/// Numbers of things by calendar, as in "3 periods (NORTH SEA 2, FROST 1)".
 class CountsByCalendar {
  public:
-  explicit CountsByCalendar(const Plan& plan) : plan_(plan) {}
-  void Add(const Task& task) {
-    const CalendarDefinition* calendar = plan_.FindCalendar(task.calendar);
-    const std::string name = calendar != nullptr ? calendar->name : "no calendar";
-    if (std::find(names_.begin(), names_.end(), name) == names_.end()) {
-      names_.push_back(name);
+  void Add(const std::string& calendar, std::int64_t count) {
+    if (count > 0) {
+      parts_.push_back(fmt::format("{} {}", calendar, Grouped(count)));
+      total_ += count;
     }
-    ++count_;
   }
-  int count() const { return count_; }
-  std::string Text(const std::string& what) const {
-    return fmt::format("{} {}{} of {}", count_, what, count_ == 1 ? "" : "s",
-                       fmt::join(names_, ", "));
+  std::int64_t total() const { return total_; }
+  std::string Text(const std::string& singular, const std::string& plural) const {
+    return fmt::format("{} ({})", Counted(total_, singular, plural), fmt::join(parts_, ", "));
   }
 
  private:
-  const Plan& plan_;
-  std::vector<std::string> names_;
-  int count_ = 0;
+  std::int64_t total_ = 0;
+  std::vector<std::string> parts_;
 };
 
-/// A date stored with a weather task, or an absent one if it cannot be read.
-Instant CustomDate(const Task& task, std::string_view field) {
-  for (const engine::CustomValue& value : task.custom_values) {
-    if (value.field == field) {
-      try {
-        return Instant::FromDate(value.value.ToDate(platform::DefaultLocale()));
-      } catch (const platform::RuntimeError&) {
-        return {};
-      }
-    }
-  }
-  return {};
-}
+/// The first and the last day on which the weather of a calendar can be.
+struct Reach {
+  std::int32_t first = INT32_MAX;
+  std::int32_t last = INT32_MIN;
 
-Instant EdgeDate(const Task& task) {
-  const std::string* text = task.FindUserValue("weather", "startdate");
-  if (text == nullptr || !platform::IsDate(*text, platform::DefaultLocale())) {
-    return {};
+  void Add(std::int32_t from, std::int32_t to) {
+    first = std::min(first, from);
+    last = std::max(last, to);
   }
-  return Instant::FromDate(platform::ParseDate(*text, platform::DefaultLocale()));
-}
-
-/// A window's two edges as the plan holds them.
-struct Window {
-  const Task* start = nullptr;
-  const Task* end = nullptr;
 };
 
 class WarningWriter {
  public:
-  explicit WarningWriter(const Plan& plan) : plan_(plan) {
-    for (const engine::Link& link : plan.links) {
-      first_successor_.emplace(link.predecessor, link.successor);
-    }
-    for (const Task& task : plan.tasks()) {
-      Sort(task);
-    }
-  }
+  explicit WarningWriter(const Plan& plan)
+      : plan_(plan), weather_(ReadWeather(plan)), first_day_(plan.StatusDate().day()) {}
 
   std::vector<std::string> Write() {
-    if (!periods_.empty() || !windows_.empty()) {
-      WarnOfMissingMark();
-      if (plan_.time_unit != TimeUnit::kDays) {
-        WarnOfBlocks();
-        WarnOfWindowOffsets();
-      }
-      WarnOfIdleWeather();
+    if (weather_.events.empty() && weather_.windows.empty() && weather_.assign.empty()) {
+      return {};
     }
-    if (IsWeatherPlan(plan_)) {
-      for (const Task& task : plan_.tasks()) {
-        if (IsNoSplit(task) && !CarriesWeather(task) && !task.IsFinished()) {
-          WarnOfLongTask(task);
-        }
-      }
+    if (!IsWeatherPlan(plan_)) {
+      Warn(
+          "The plan has weather data but is not marked as a weather plan: it runs without "
+          "weather.");
+      return std::move(warnings_);
     }
+    Schedule();
+    if (plan_.time_unit != TimeUnit::kDays) {
+      WarnOfBlocks();
+      WarnOfOffsets();
+    }
+    WarnOfCalendars();
+    WarnOfLongTasks();
     return std::move(warnings_);
   }
 
  private:
-  void Sort(const Task& task) {
-    const std::string role = WeatherRole(task);
-    if (role == "1") {
-      periods_.push_back(&task);
-    } else if (role == "3") {
-      const auto end = first_successor_.find(task.uid);
-      windows_.push_back(
-          {&task, end == first_successor_.end() ? nullptr : plan_.FindTask(end->second)});
+  void Warn(std::string warning) { warnings_.push_back(std::move(warning)); }
+
+  /// Finds the plan's finish without weather. A plan that cannot be scheduled has none, and whoever
+  /// runs it is told why.
+  void Schedule() {
+    try {
+      engine::Scheduler scheduler(plan_, [](const Task& task) { return !CarriesWeather(task); });
+      scheduler.ScheduleForward();
+      last_day_ = scheduler.finish().day();
+    } catch (const engine::SchedulingError&) {
+      last_day_.reset();
     }
   }
 
-  void WarnOfMissingMark() {
-    if (!IsWeatherPlan(plan_)) {
-      warnings_.push_back(
-          "The plan has weather data but is not marked as a weather plan: it runs without weather");
-    }
-  }
+  // Plans in hours and quarters.
 
-  std::string UnitText() const {
+  std::string_view UnitText() const {
     return plan_.time_unit == TimeUnit::kHours ? "hours" : "quarters of an hour";
   }
-
-  void WarnOfBlocks() {
-    CountsByCalendar blocks(plan_);
-    for (const Task* period : periods_) {
-      if (period->risk && period->risk->probability < kCertain) {
-        blocks.Add(*period);
-      }
-    }
-    if (blocks.count() > 0) {
-      warnings_.push_back(fmt::format(
-          "The plan is counted in {0}: {1} below 100% take each unit of their sampled length as "
-          "a calendar day, so that a length of one day takes {2} days off in one block, and the "
-          "block can start long after the period; import the plan in days to have whole days",
-          UnitText(), blocks.Text("period"), UnitsPerDay()));
-    }
-  }
-
-  void WarnOfWindowOffsets() {
-    CountsByCalendar offsets(plan_);
-    for (const Window& window : windows_) {
-      const auto moves = [](const Task* edge) {
-        return edge != nullptr && edge->range && edge->range->maximum > 0;
-      };
-      if (moves(window.start) || moves(window.end)) {
-        offsets.Add(*window.start);
-      }
-    }
-    const double share = UnitsPerDay() / static_cast<double>(plan_.time_unit);
-    if (offsets.count() > 0 && share < 1) {
-      warnings_.push_back(fmt::format(
-          "The plan is counted in {}: {} move from their earliest dates by {:.0f}% only of the "
-          "days that are given, because offsets are kept in working time and taken as time on "
-          "the clock; import the plan in days to have whole days",
-          UnitText(), offsets.Text("window"), 100 * share));
-    }
-  }
-
-  int UnitsPerDay() const {
+  std::int32_t UnitsPerWorkingDay() const {
     return plan_.hours_per_day * (plan_.time_unit == TimeUnit::kQuarters ? 4 : 1);
   }
 
-  void WarnOfIdleWeather() {
-    std::unordered_set<Uid> assigned;
-    for (const Task& task : plan_.tasks()) {
-      for (const engine::RiskAssignment& assignment : task.risk_calendars) {
-        if (const auto* risk_calendar = plan_.FindRiskCalendar(assignment.risk_calendar)) {
-          assigned.insert(risk_calendar->calendar);
-        }
-      }
+  void WarnOfBlocks() {
+    CountsByCalendar blocks;
+    for (const EventCalendar& calendar : weather_.events) {
+      blocks.Add(calendar.name, std::count_if(calendar.periods.begin(), calendar.periods.end(),
+                                              [](const WeatherPeriod& period) {
+                                                return period.probability < 1 && period.max > 0;
+                                              }));
     }
-    std::vector<std::string> idle;
-    CountsByCalendar past(plan_);
-    const auto look = [&](const Task& task, Instant end) {
-      const CalendarDefinition* calendar = plan_.FindCalendar(task.calendar);
-      if (calendar != nullptr && !assigned.contains(calendar->uid) &&
-          std::find(idle.begin(), idle.end(), calendar->name) == idle.end()) {
-        idle.push_back(calendar->name);
-      }
-      if (!end.IsAbsent() && end.day() < plan_.StatusDate().day()) {
-        past.Add(task);
-      }
-    };
-    for (const Task* period : periods_) {
-      look(*period, CustomDate(*period, "Weather-end"));
-    }
-    for (const Window& window : windows_) {
-      const Instant end = window.end != nullptr ? EdgeDate(*window.end) : Instant();
-      const std::int32_t latest =
-          end.IsAbsent() || !window.end->range
-              ? 0
-              : static_cast<std::int32_t>(window.end->range->maximum / UnitsOfADay());
-      look(*window.start, end.IsAbsent() ? end : Instant(end.day() + latest, 0));
-    }
-    for (const std::string& name : idle) {
-      warnings_.push_back(
-          fmt::format("{} is assigned to no task: its weather delays nothing", name));
-    }
-    if (past.count() > 0) {
-      warnings_.push_back(fmt::format("{} end before {}, where what remains of the plan starts",
-                                      past.Text("period or window"),
-                                      ToIsoText(plan_.StatusDate()).substr(0, 10)));
+    if (blocks.total() > 0 && UnitsPerWorkingDay() > 1) {
+      Warn(fmt::format(
+          "The plan counts in {0}, and a block of weather counts them as calendar days: in {1} "
+          "below 100%, each day of weather takes {2} days in one piece, which may begin long "
+          "after the period. A plan imported with --time-unit days takes the days as given.",
+          UnitText(), blocks.Text("period", "periods"), UnitsPerWorkingDay()));
     }
   }
 
-  double UnitsOfADay() const {
-    return plan_.time_unit == TimeUnit::kDays ? 1.0 : static_cast<double>(UnitsPerDay());
+  void WarnOfOffsets() {
+    CountsByCalendar moving;
+    for (const WindowCalendar& calendar : weather_.windows) {
+      moving.Add(calendar.name, std::count_if(calendar.windows.begin(), calendar.windows.end(),
+                                              [](const WeatherWindow& window) {
+                                                return window.start[2] > window.start[0] ||
+                                                       window.finish[2] > window.finish[0];
+                                              }));
+    }
+    if (moving.total() > 0 && plan_.hours_per_day < 24) {
+      Warn(fmt::format(
+          "The plan counts in {0}, and the dates of windows move too little: in {1}, the days from "
+          "an earliest to a likely or latest date are stored as {2} hours each and counted as "
+          "days of 24, so that 24 of them move a date by {2}. A plan imported with --time-unit "
+          "days moves them as given.",
+          UnitText(), moving.Text("window", "windows"), plan_.hours_per_day));
+    }
   }
 
-  // --- Tasks that must not be split ---
+  // Weather that nothing comes of.
 
-  /// Days that a window on one of these calendars takes in every iteration: from its latest start
-  /// to its earliest finish.
-  std::vector<DayRange> CertainDays(const std::unordered_set<Uid>& calendars) const {
-    std::vector<DayRange> certain;
-    for (const Window& window : windows_) {
-      if (!calendars.contains(window.start->calendar) || window.end == nullptr) {
-        continue;
-      }
-      const Instant start = EdgeDate(*window.start);
-      const Instant end = EdgeDate(*window.end);
-      if (start.IsAbsent() || end.IsAbsent()) {
-        continue;
-      }
-      const double offset = window.start->range ? window.start->range->maximum : 0;
-      const std::int32_t last_start =
-          start.day() + static_cast<std::int32_t>(offset / UnitsOfADay());
-      if (last_start <= end.day()) {
-        certain.push_back({last_start, end.day()});
+  void WarnOfCalendars() {
+    std::unordered_map<std::string, std::size_t> tasks;
+    for (const WeatherAssignment& assignment : weather_.assign) {
+      for (const std::string& calendar : assignment.calendars) {
+        tasks[calendar] += assignment.tasks.size();
       }
     }
-    return certain;
-  }
-
-  static bool Holds(const std::vector<DayRange>& ranges, std::int32_t day) {
-    return std::any_of(ranges.begin(), ranges.end(), [day](const DayRange& range) {
-      return range.first <= day && day <= range.last;
-    });
-  }
-
-  static bool IsOff(const CalendarDefinition& calendar, std::int32_t day) {
-    return engine::PatternOn(calendar, day).empty() || engine::IsTaken(calendar, day);
-  }
-
-  /// The longest stretch of working time, in minutes, between two days that cut a task: days that
-  /// the weekly pattern works and that are off all the same. Negative if no day cuts it.
-  std::int64_t LongestStretch(const CalendarDefinition& own,
-                              const std::vector<const CalendarDefinition*>& others,
-                              const std::vector<DayRange>& certain) const {
-    std::int64_t longest = -1;
-    std::int64_t stretch = 0;
-    const std::int32_t first = plan_.StatusDate().day();
-    for (std::int32_t day = first; day < first + kDaysLookedAhead; ++day) {
-      const bool off = IsOff(own, day) || Holds(certain, day) ||
-                       std::any_of(others.begin(), others.end(),
-                                   [day](const auto* other) { return IsOff(*other, day); });
-      if (!off) {
-        stretch += MinutesOf(engine::PatternOn(own, day));
-      } else if (!own.week[static_cast<std::size_t>(engine::WeekdayOf(day))].empty()) {
-        longest = std::max(longest, stretch);
-        stretch = 0;
+    for (const EventCalendar& calendar : weather_.events) {
+      Reach reach;
+      for (const WeatherPeriod& period : calendar.periods) {
+        reach.Add(period.start, period.finish);
       }
+      WarnOfCalendar(calendar.name, "periods", tasks[calendar.name], reach);
     }
-    return longest;
+    for (const WindowCalendar& calendar : weather_.windows) {
+      Reach reach;
+      for (const WeatherWindow& window : calendar.windows) {
+        reach.Add(window.start[0], window.finish[2]);
+      }
+      WarnOfCalendar(calendar.name, "windows", tasks[calendar.name], reach);
+    }
   }
 
-  void WarnOfLongTask(const Task& task) {
-    const CalendarDefinition* own =
-        plan_.FindCalendar(task.calendar != 0 ? task.calendar : plan_.default_calendar);
-    if (own == nullptr) {
+  void WarnOfCalendar(const std::string& name, std::string_view items, std::size_t tasks,
+                      const Reach& reach) {
+    if (tasks == 0) {
+      Warn(fmt::format("The weather calendar {} is assigned to no task: it delays nothing.", name));
+    } else if (reach.last < reach.first) {
+      Warn(
+          fmt::format("The weather calendar {} is assigned to {} but has no {}: it delays "
+                      "nothing.",
+                      name, Counted(static_cast<std::int64_t>(tasks), "task", "tasks"), items));
+    } else if (reach.last < first_day_) {
+      Warn(
+          fmt::format("All {} of the weather calendar {} end before {}, when what remains of the "
+                      "plan begins: it delays nothing.",
+                      items, name, IsoDay(first_day_)));
+    } else if (last_day_ && reach.first > *last_day_) {
+      Warn(
+          fmt::format("All {} of the weather calendar {} begin after {}, when the plan ends "
+                      "without weather.",
+                      items, name, IsoDay(*last_day_)));
+    }
+  }
+
+  // Tasks that must not be split.
+
+  void WarnOfLongTasks() {
+    if (!last_day_) {
       return;
     }
-    std::vector<const CalendarDefinition*> others;
-    std::unordered_set<Uid> uids;
-    for (const engine::RiskAssignment& assignment : task.risk_calendars) {
-      const auto* risk_calendar = plan_.FindRiskCalendar(assignment.risk_calendar);
-      const CalendarDefinition* behind =
-          risk_calendar != nullptr ? plan_.FindCalendar(risk_calendar->calendar) : nullptr;
-      if (behind != nullptr) {
-        others.push_back(behind);
-        uids.insert(behind->uid);
+    const WeatherRoom room(plan_, weather_, first_day_, *last_day_ + kDaysBeyondFinish);
+    for (const Task& task : plan_.tasks()) {
+      if (IsNoSplit(task) && !CarriesWeather(task) && !task.IsFinished() &&
+          task.kind != engine::TaskKind::kSummary) {
+        WarnOfLongTask(task, room);
       }
     }
-    const std::int64_t longest = LongestStretch(*own, others, CertainDays(uids));
+  }
+
+  void WarnOfLongTask(const Task& task, const WeatherRoom& room) {
     const std::int32_t needed = plan_.LikelyMinutes(task);
-    if (longest >= 0 && needed > longest) {
-      const double day = plan_.hours_per_day * 60.0;
-      warnings_.push_back(fmt::format(
-          "{} must not be split and takes {:.1f} days, but the longest stretch without a day off "
-          "in its calendars is {:.1f} days: it will be pushed past all of them",
-          task.id, needed / day, static_cast<double>(longest) / day));
+    // The plan may become longer by this task, but if it finds no room by then it is pushed far.
+    const std::int32_t last = room.DayOfFinish(task, *last_day_ + 1);
+    const std::int64_t free = room.LongestStretch(task, last);
+    const std::string start =
+        fmt::format("Task {} must not be split and takes {}, ", task.id, DaysText(needed));
+    if (needed > free) {
+      Warn(
+          fmt::format("{}but the longest stretch without a day off in its calendars is {} long "
+                      "(until {}): it will be pushed far.",
+                      start, DaysText(free), IsoDay(last)));
+      return;
     }
+    const std::int64_t likely = room.LongestLikelyStretch(task, last);
+    if (needed > likely) {
+      Warn(
+          fmt::format("{}but with the certain weather of its calendars no stretch of more than {} "
+                      "has a chance of 1 in 10 to stay without a day off (until {}): it will be "
+                      "pushed far in most iterations.",
+                      start, DaysText(likely), IsoDay(last)));
+    }
+  }
+
+  /// Working time in days of HoursPerDay, to a tenth.
+  std::string DaysText(std::int64_t minutes) const {
+    const double days = Rounded(static_cast<double>(minutes) / (plan_.hours_per_day * 60), 1);
+    return fmt::format("{:g} {}", days, days == 1 ? "day" : "days");
   }
 
   const Plan& plan_;
-  std::unordered_map<Uid, Uid> first_successor_;
-  std::vector<const Task*> periods_;
-  std::vector<Window> windows_;
+  Weather weather_;
+  std::int32_t first_day_;
+  std::optional<std::int32_t> last_day_;  // of the plan as scheduled without weather
   std::vector<std::string> warnings_;
 };
 

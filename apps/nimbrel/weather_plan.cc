@@ -220,16 +220,14 @@ void SetFlag(Plan& plan, const std::string& value) {
   plan.options[{"NIMBRELMOD", "Options", "IsWeatherPlan"}] = value;
 }
 
-void RemoveTasks(Plan& plan) {
-  std::vector<Uid> removed;
+void RemoveWeatherTasks(Plan& plan) {
+  std::unordered_set<Uid> removed;
   for (const Task& task : plan.tasks()) {
     if (CarriesWeather(task) && !EqualsIgnoreCase(task.id, kWeatherTask)) {
-      removed.push_back(task.uid);
+      removed.insert(task.uid);
     }
   }
-  for (const Uid task : removed) {
-    plan.RemoveTask(task);
-  }
+  plan.RemoveTasks(removed);
 }
 
 void RemoveCalendars(Plan& plan, const std::unordered_set<Uid>& calendars) {
@@ -497,7 +495,7 @@ void ClearWeather(Plan& plan, const std::string& file) {
                       file, QuotedText(calendar.name), work));
     }
   }
-  RemoveTasks(plan);
+  RemoveWeatherTasks(plan);
   RemoveCalendars(plan, calendars);
   SetFlag(plan, "FALSE");
 }

@@ -3,8 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "engine/plan/plan.h"
-#include "platform/date.h"
+#include "nimbrel/weather_json.h"
 
 namespace nimbrel::cli {
 namespace {
@@ -15,156 +19,254 @@ using engine::Plan;
 using engine::Task;
 using engine::TimeUnit;
 using engine::Uid;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr std::int32_t kMonday = 46447;  // 1 March 2027
-constexpr std::int32_t kDay = 480;
+constexpr std::int32_t kFinish = kMonday + 25;
 
-/// A weather plan from a Monday on, with a calendar of five days of eight hours and a weather
-/// calendar STORM that every task can be given.
+/// A weather plan from a Monday on with a calendar of five days of eight hours, and a task BASE of
+/// 20 days that no weather holds up: without weather the plan ends on Friday 26 March.
 class WarningsTest : public testing::Test {
  protected:
   WarningsTest() {
     plan_.start = Instant(kMonday, 480);
     plan_.default_calendar = plan_.AddCalendar(engine::MakeWeekCalendar("Works", 5, 8)).uid;
-    storm_ = plan_.AddCalendar(engine::MakeWeekCalendar("STORM", 7, 8)).uid;
-    risk_storm_ = plan_.FreshUid();
-    plan_.risk_calendars.push_back({risk_storm_, "STORM", "", storm_});
-    plan_.options[{"NIMBRELMOD", "Options", "IsWeatherPlan"}] = "TRUE";
+    AddTask("BASE", 20);
   }
 
-  Task& AddTask(const std::string& id, double days) {
+  void AddTask(const std::string& id, double days) {
     Task task;
     task.id = id;
-    task.remaining_minutes = static_cast<std::int32_t>(days * kDay);
-    task.risk_calendars.push_back({risk_storm_, 0.0});
-    return plan_.AddTask(task);
+    task.remaining_minutes = static_cast<std::int32_t>(days * 480);
+    plan_.AddTask(task);
   }
-  Task& AddNoSplit(const std::string& id, double days) {
-    Task& task = AddTask(id, days);
-    task.user_values.push_back({"weather", "nosplit", "True"});
-    return task;
+  /// A task that feels these calendars.
+  void AddTask(const std::string& id, double days, const std::vector<std::string>& calendars,
+               bool nosplit = false) {
+    AddTask(id, days);
+    weather_.assign.push_back({{id}, std::nullopt, calendars, nosplit});
   }
-  Task& AddWeather(const std::string& role, engine::ThreePoint units) {
-    Task task;
-    task.id = plan_.FreshTaskId();
-    task.calendar = storm_;
-    task.range = units;
-    task.user_values.push_back({"weather", "tasktype", role});
-    return plan_.AddTask(task);
+  void AddNoSplit(const std::string& id, double days,
+                  const std::vector<std::string>& calendars = {}) {
+    AddTask(id, days, calendars, true);
   }
-  void AddPeriod(std::int32_t first, std::int32_t last, double probability) {
-    Task& period = AddWeather("1", {1, 2, 3});
-    period.custom_values = {{"Weather-start", platform::Date{static_cast<double>(first)}},
-                            {"Weather-end", platform::Date{static_cast<double>(last)}}};
-    if (probability < 100) {
-      period.risk = engine::OccurrenceRisk{probability, 1};
-    }
+  /// Event calendar of periods with so many days of weather each.
+  void AddEvents(const std::string& name, const std::vector<WeatherPeriod>& periods) {
+    weather_.events.push_back({name, periods});
   }
-  /// A window whose edges stand on their earliest days and may come up to `units` later.
-  void AddWindow(const std::string& first, const std::string& last, double units) {
-    const Uid start = AddWeather("3", {0, units, units}).uid;
-    const Uid end = AddWeather("4", {0, units, units}).uid;
-    plan_.FindTask(start)->user_values.push_back({"weather", "startdate", first});
-    plan_.FindTask(end)->user_values.push_back({"weather", "startdate", last});
-    plan_.links.push_back({start, end});
+  void AddWindows(const std::string& name, const std::vector<WeatherWindow>& windows) {
+    weather_.windows.push_back({name, windows});
+  }
+  static WeatherPeriod Period(std::int32_t first, std::int32_t last, double probability,
+                              std::int32_t days) {
+    return {"", first, last, probability, days, days, days};
   }
   CalendarDefinition& Works() { return *plan_.FindCalendar(plan_.default_calendar); }
-  std::vector<std::string> Warnings() const { return WeatherWarnings(plan_); }
+
+  std::vector<std::string> Warnings() {
+    SetWeather(plan_, weather_, "weather.json");
+    return WeatherWarnings(plan_);
+  }
 
   Plan plan_;
-  Uid storm_ = 0;
-  Uid risk_storm_ = 0;
+  Weather weather_;
 };
 
 TEST_F(WarningsTest, APlanWithoutWeatherHasNone) {
-  AddTask("A", 5);
-  EXPECT_THAT(Warnings(), IsEmpty());
+  EXPECT_THAT(WeatherWarnings(plan_), IsEmpty());
 }
 
 TEST_F(WarningsTest, WeatherThatIsInOrderHasNone) {
-  AddTask("A", 5);
-  AddNoSplit("B", 5);
-  AddPeriod(kMonday, kMonday + 30, 50);
-  AddWindow("4/1/2027", "4/20/2027", 5);
+  AddEvents("STORM", {Period(kMonday, kMonday + 30, 0.5, 3)});
+  AddWindows("ICE", {{"", {kMonday, kMonday, kMonday + 4}, {kMonday, kMonday + 3, kMonday + 9}}});
+  AddTask("A", 5, {"STORM", "ICE"});
+  AddNoSplit("B", 5, {"STORM"});
   EXPECT_THAT(Warnings(), IsEmpty());
 }
 
 TEST_F(WarningsTest, WeatherDataInAPlanThatIsNotMarkedRunsWithoutWeather) {
-  AddTask("A", 5);
-  AddPeriod(kMonday, kMonday + 30, 100);
-  plan_.options.clear();
-  EXPECT_THAT(Warnings(), ElementsAre(HasSubstr("runs without weather")));
+  AddEvents("STORM", {Period(kMonday, kMonday + 30, 1, 3)});
+  SetWeather(plan_, weather_, "weather.json");
+  plan_.options[{"NIMBRELMOD", "Options", "IsWeatherPlan"}] = "FALSE";
+  EXPECT_THAT(WeatherWarnings(plan_), ElementsAre(HasSubstr("runs without weather")));
 }
 
+// Plans in hours and quarters.
+
 TEST_F(WarningsTest, BlocksOfAPlanInHoursTakeUnitsForDays) {
-  AddTask("A", 5);
-  AddPeriod(kMonday, kMonday + 30, 50);
-  AddPeriod(kMonday, kMonday + 30, 100);  // certain: scattered, not a block
   plan_.time_unit = TimeUnit::kHours;
-  EXPECT_THAT(Warnings(), ElementsAre(testing::AllOf(HasSubstr("counted in hours"),
-                                                     HasSubstr("1 period of STORM"),
-                                                     HasSubstr("8 days off in one block"))));
+  AddEvents("STORM", {Period(kMonday, kMonday + 30, 0.5, 3), Period(kMonday, kMonday + 30, 0.9, 3),
+                      Period(kMonday, kMonday + 30, 1, 3)});  // the last is no block
+  AddEvents("SNOW", {Period(kMonday, kMonday + 30, 0.5, 3)});
+  AddTask("A", 5, {"STORM", "SNOW"});
+  EXPECT_THAT(Warnings(), ElementsAre(AllOf(HasSubstr("counts in hours"),
+                                            HasSubstr("in 3 periods (STORM 2, SNOW 1) below 100%"),
+                                            HasSubstr("each day of weather takes 8 days"))));
 }
 
 TEST_F(WarningsTest, BlocksOfAPlanInQuartersTakeFourTimesAsMany) {
-  AddTask("A", 5);
-  AddPeriod(kMonday, kMonday + 30, 50);
   plan_.time_unit = TimeUnit::kQuarters;
-  EXPECT_THAT(Warnings(), ElementsAre(testing::AllOf(HasSubstr("quarters of an hour"),
-                                                     HasSubstr("32 days off in one block"))));
+  AddEvents("STORM", {Period(kMonday, kMonday + 30, 0.5, 3)});
+  AddTask("A", 5, {"STORM"});
+  EXPECT_THAT(Warnings(), ElementsAre(AllOf(HasSubstr("counts in quarters of an hour"),
+                                            HasSubstr("each day of weather takes 32 days"))));
 }
 
-TEST_F(WarningsTest, WindowsOfAPlanInHoursMoveByAThirdOfTheirDays) {
-  AddTask("A", 5);
-  AddWindow("4/1/2027", "4/20/2027", 24);
-  AddWindow("5/1/2027", "5/20/2027", 0);  // its dates are certain: nothing to move
+TEST_F(WarningsTest, DatesOfWindowsOfAPlanInHoursMoveTooLittle) {
   plan_.time_unit = TimeUnit::kHours;
-  EXPECT_THAT(Warnings(),
-              ElementsAre(testing::AllOf(HasSubstr("1 window of STORM"), HasSubstr("by 33%"))));
+  AddWindows("ICE", {{"", {kMonday, kMonday, kMonday + 3}, {kMonday + 9, kMonday + 9, kMonday + 9}},
+                     {"", {kMonday, kMonday, kMonday}, {kMonday + 9, kMonday + 9, kMonday + 9}}});
+  AddTask("A", 5, {"ICE"});
+  EXPECT_THAT(Warnings(), ElementsAre(AllOf(HasSubstr("in 1 window (ICE 1)"),
+                                            HasSubstr("24 of them move a date by 8."))));
 }
+
+TEST_F(WarningsTest, APlanInHoursOfTheWholeDayMovesWindowsAsGiven) {
+  plan_.time_unit = TimeUnit::kHours;
+  plan_.hours_per_day = 24;
+  AddWindows("ICE",
+             {{"", {kMonday, kMonday, kMonday + 3}, {kMonday + 9, kMonday + 9, kMonday + 9}}});
+  AddTask("A", 5, {"ICE"});
+  EXPECT_THAT(Warnings(), IsEmpty());
+}
+
+// Weather that nothing comes of.
 
 TEST_F(WarningsTest, ACalendarOfNoTaskDelaysNothing) {
-  AddTask("A", 5).risk_calendars.clear();
-  AddPeriod(kMonday, kMonday + 30, 100);
-  EXPECT_THAT(Warnings(), ElementsAre("STORM is assigned to no task: its weather delays nothing"));
+  AddEvents("STORM", {Period(kMonday, kMonday + 30, 1, 3)});
+  EXPECT_THAT(Warnings(),
+              ElementsAre("The weather calendar STORM is assigned to no task: it delays nothing."));
 }
 
-TEST_F(WarningsTest, WeatherBeforeTheStatusDateIsTold) {
-  AddTask("A", 5);
-  AddPeriod(kMonday - 31, kMonday - 1, 100);
-  AddPeriod(kMonday - 31, kMonday, 100);
-  EXPECT_THAT(Warnings(), ElementsAre(testing::AllOf(HasSubstr("1 period or window of STORM"),
-                                                     HasSubstr("end before 2027-03-01"))));
+TEST_F(WarningsTest, ACalendarWithoutPeriodsOrWindowsDelaysNothing) {
+  AddEvents("STORM", {});
+  AddWindows("ICE", {});
+  AddTask("A", 5, {"STORM", "ICE"});
+  EXPECT_THAT(Warnings(),
+              ElementsAre("The weather calendar STORM is assigned to 1 task but has no periods: it "
+                          "delays nothing.",
+                          "The weather calendar ICE is assigned to 1 task but has no windows: it "
+                          "delays nothing."));
 }
+
+TEST_F(WarningsTest, ACalendarWhoseWeatherIsOverIsTold) {
+  AddEvents("STORM", {Period(kMonday - 31, kMonday - 1, 1, 3)});
+  AddEvents("SNOW", {Period(kMonday - 31, kMonday - 1, 1, 3), Period(kMonday, kMonday, 1, 1)});
+  AddTask("A", 5, {"STORM", "SNOW"});
+  EXPECT_THAT(Warnings(),
+              ElementsAre(HasSubstr("All periods of the weather calendar STORM end before "
+                                    "2027-03-01, when what remains of the plan begins")));
+}
+
+TEST_F(WarningsTest, ACalendarWhoseWeatherComesAfterThePlanIsTold) {
+  AddWindows(
+      "ICE",
+      {{"", {kFinish + 1, kFinish + 1, kFinish + 1}, {kFinish + 9, kFinish + 9, kFinish + 9}}});
+  AddEvents("STORM", {Period(kFinish, kFinish + 9, 1, 3)});
+  AddTask("A", 5, {"STORM", "ICE"});
+  EXPECT_THAT(Warnings(), ElementsAre("All windows of the weather calendar ICE begin after "
+                                      "2027-03-26, when the plan ends without weather."));
+}
+
+// Tasks that must not be split.
 
 TEST_F(WarningsTest, ANoSplitTaskLongerThanAnyStretchBetweenHolidaysIsNamed) {
-  // Two holidays on Wednesdays two weeks apart leave nine worked days between them, and the first
-  // one two before it: a task of ten days fits neither.
-  Works().exceptions[kMonday + 2] = {};
-  Works().exceptions[kMonday + 16] = {};
-  AddPeriod(kMonday, kMonday + 30, 50);
+  // Every second Wednesday off: nine worked days are between two of them.
+  for (int day = 2; day < 100; day += 14) {
+    Works().exceptions[kMonday + day] = {};
+  }
   AddNoSplit("FITS", 9);
   AddNoSplit("LONG", 10);
   EXPECT_THAT(Warnings(),
-              ElementsAre(testing::AllOf(HasSubstr("LONG must not be split"),
-                                         HasSubstr("10.0 days"), HasSubstr("is 9.0 days"))));
+              ElementsAre(AllOf(HasSubstr("Task LONG must not be split and takes 10 days, but"),
+                                HasSubstr("is 9 days long"), HasSubstr("pushed far"))));
 }
 
-TEST_F(WarningsTest, WhatEveryWindowTakesCutsStretchesToo) {
-  // Off from 11 to 20 March whatever is sampled: eight worked days before it, from 1 March on.
-  AddWindow("3/8/2027", "3/20/2027", 3);
-  AddNoSplit("FITS", 8);
-  AddNoSplit("LONG", 9);
-  EXPECT_THAT(Warnings(), ElementsAre(testing::AllOf(HasSubstr("LONG"), HasSubstr("is 8.0 days"))));
+TEST_F(WarningsTest, OneHolidayPushesNoTaskFar) {
+  Works().exceptions[kMonday + 2] = {};
+  AddNoSplit("A", 20);
+  EXPECT_THAT(Warnings(), IsEmpty());
 }
 
-TEST_F(WarningsTest, WeekendsCutNothing) {
-  AddPeriod(kMonday, kMonday + 30, 50);
+TEST_F(WarningsTest, WeekendsOfTheTasksOwnCalendarCutNothing) {
   AddNoSplit("LONG", 60);
   EXPECT_THAT(Warnings(), IsEmpty());
+}
+
+TEST_F(WarningsTest, DaysOffOfARiskCalendarCutWhatTheOwnCalendarWorks) {
+  // Worked seven days a week, under a calendar that is off on Sundays.
+  const Uid all_days = plan_.AddCalendar(engine::MakeWeekCalendar("All", 7, 8)).uid;
+  const Uid six_days = plan_.AddCalendar(engine::MakeWeekCalendar("Six", 6, 8)).uid;
+  const Uid risk = plan_.FreshUid();
+  plan_.risk_calendars.push_back({risk, "Six", "", six_days});
+  for (const double days : {6.0, 6.5}) {
+    AddNoSplit("T" + std::to_string(days).substr(0, 3), days);
+    Task& task = *plan_.FindTask(plan_.tasks().back().uid);
+    task.calendar = all_days;
+    task.risk_calendars = {{risk, 0.0}};
+  }
+  EXPECT_THAT(Warnings(), ElementsAre(AllOf(HasSubstr("Task T6.5"), HasSubstr("takes 6.5 days"),
+                                            HasSubstr("is 6 days long"))));
+}
+
+TEST_F(WarningsTest, TheLikelyDaysOfAWindowCutForCertain) {
+  // From the likely start, Thursday 11 March, to the likely finish far behind the plan: eight days
+  // are before it.
+  AddWindows(
+      "ICE",
+      {{"", {kMonday, kMonday + 10, kMonday + 20}, {kMonday + 90, kMonday + 90, kMonday + 99}}});
+  AddNoSplit("FITS", 8, {"ICE"});
+  AddNoSplit("LONG", 9, {"ICE"});
+  EXPECT_THAT(Warnings(), ElementsAre(AllOf(HasSubstr("Task LONG"), HasSubstr("is 8 days long"))));
+}
+
+TEST_F(WarningsTest, CertainWeatherLeavesNoLongStretch) {
+  // 20 of 100 days are lost: of ten days in a row, all are dry with the chance 0.8^10 = 0.107, of
+  // eleven with 0.086.
+  AddEvents("STORM", {Period(kMonday, kMonday + 99, 1, 20)});
+  AddNoSplit("FITS", 10, {"STORM"});
+  AddNoSplit("LONG", 11, {"STORM"});
+  EXPECT_THAT(Warnings(),
+              ElementsAre(AllOf(HasSubstr("Task LONG must not be split and takes 11 days, but with "
+                                          "the certain weather"),
+                                HasSubstr("no stretch of more than 10 days has a chance"))));
+}
+
+TEST_F(WarningsTest, TheWeatherOfSeveralCalendarsAddsUp) {
+  // 0.8 * 0.75 = 0.6 a day: 0.6^4 = 0.13, 0.6^5 = 0.078.
+  AddEvents("STORM", {Period(kMonday, kMonday + 99, 1, 20)});
+  AddEvents("SNOW", {Period(kMonday, kMonday + 99, 1, 25)});
+  AddNoSplit("FITS", 4, {"STORM", "SNOW"});
+  AddNoSplit("LONG", 5, {"STORM", "SNOW"});
+  EXPECT_THAT(Warnings(), ElementsAre(AllOf(HasSubstr("Task LONG"),
+                                            HasSubstr("no stretch of more than 4 days"))));
+}
+
+TEST_F(WarningsTest, WeatherThatMayNotComeLeavesRoom) {
+  AddEvents("STORM", {Period(kMonday, kMonday + 99, 0.99, 50)});
+  AddNoSplit("LONG", 15, {"STORM"});
+  EXPECT_THAT(Warnings(), IsEmpty());
+}
+
+TEST_F(WarningsTest, AFinishedTaskIsNotPushed) {
+  AddEvents("STORM", {Period(kMonday, kMonday + 99, 1, 50)});
+  AddNoSplit("DONE", 15, {"STORM"});
+  Task& task = *plan_.FindTask("DONE");
+  task.actual_start = Instant(kMonday, 480);
+  task.actual_finish = Instant(kMonday, 1020);
+  EXPECT_THAT(Warnings(), IsEmpty());
+}
+
+TEST_F(WarningsTest, APlanThatCannotBeScheduledIsStillWarnedOfTheRest) {
+  AddEvents("STORM", {});
+  AddNoSplit("A", 5, {"STORM"});
+  const Uid base = plan_.FindTask("BASE")->uid;
+  const Uid a = plan_.FindTask("A")->uid;
+  plan_.links = {{base, a}, {a, base}};
+  EXPECT_THAT(Warnings(), ElementsAre(HasSubstr("has no periods")));
 }
 
 }  // namespace

@@ -122,6 +122,23 @@ TEST(Plan, RemovesATaskWithItsLinksAndLiftsItsChildren) {
   EXPECT_EQ(plan.IndexOf(other), 2);
 }
 
+TEST(Plan, RemovesSeveralTasksAsOneByOne) {
+  Plan plan;
+  const Uid top = plan.AddTask(MakeTask("TOP")).uid;
+  const Uid middle = plan.AddTask(MakeTask("MIDDLE", top)).uid;
+  const Uid inner = plan.AddTask(MakeTask("INNER", middle)).uid;
+  const Uid leaf = plan.AddTask(MakeTask("LEAF", inner)).uid;
+  const Uid other = plan.AddTask(MakeTask("OTHER")).uid;
+  plan.links = {{middle, other}, {leaf, other}, {other, inner}};
+  Plan one_by_one = plan;
+  one_by_one.RemoveTask(inner);
+  one_by_one.RemoveTask(middle);
+  plan.RemoveTasks({middle, inner, 99});
+  EXPECT_EQ(plan, one_by_one);
+  EXPECT_EQ(plan.FindTask("LEAF")->parent, top);
+  EXPECT_THAT(plan.links, ElementsAre(Link{leaf, other}));
+}
+
 TEST(Plan, LeavesAPlanAloneWhenATaskThatIsNotThereIsRemovedOrMoved) {
   Plan plan;
   plan.AddTask(MakeTask("A"));

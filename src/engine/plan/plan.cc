@@ -111,19 +111,22 @@ void Plan::RenameTask(Uid uid, const std::string& id) {
 }
 
 void Plan::RemoveTask(Uid uid) {
-  const std::int32_t index = IndexOf(uid);
-  if (index < 0) {
-    return;
+  if (IndexOf(uid) >= 0) {
+    RemoveTasks({uid});
   }
-  const Uid parent = tasks_[static_cast<std::size_t>(index)].parent;
+}
+
+void Plan::RemoveTasks(const std::unordered_set<Uid>& uids) {
   for (Task& task : tasks_) {
-    if (task.parent == uid) {
-      task.parent = parent;
+    while (uids.contains(task.parent)) {
+      const std::int32_t above = IndexOf(task.parent);
+      task.parent = above < 0 ? 0 : tasks_[static_cast<std::size_t>(above)].parent;
     }
   }
-  std::erase_if(
-      links, [uid](const Link& link) { return link.predecessor == uid || link.successor == uid; });
-  tasks_.erase(tasks_.begin() + index);
+  std::erase_if(links, [&uids](const Link& link) {
+    return uids.contains(link.predecessor) || uids.contains(link.successor);
+  });
+  std::erase_if(tasks_, [&uids](const Task& task) { return uids.contains(task.uid); });
   index_valid_ = false;
 }
 
