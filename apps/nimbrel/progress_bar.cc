@@ -28,7 +28,8 @@ std::string TimeText(double seconds) {
 std::string ProgressLine(std::int64_t done, std::int64_t total, double elapsed,
                          const Terminal& terminal) {
   const double share = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
-  std::string text = fmt::format(" {:3.0f}%  {} of {}", share * 100, Grouped(done), Grouped(total));
+  std::string text =
+      fmt::format(" {:3.0f}%  {} of {}", std::floor(share * 100), Grouped(done), Grouped(total));
   if (done > 0 && elapsed > 0) {
     const double rate = static_cast<double>(done) / elapsed;
     text += fmt::format("  {}/s  {} left", Grouped(std::llround(rate)),

@@ -146,7 +146,7 @@ ExitCode RunPlan(const Options& options, Console& console) {
   RunReport report = ComputeNamed(options, plan, run, console);
   report.warnings = CollectWarnings(options, document);
 
-  const bool stopped = report.main.stopped || report.without_weather.stopped;
+  const bool stopped = IsStopped(report);
   std::vector<PendingOutput> files;
   if (!stopped) {  // what a stopped run has found depends on when it was stopped
     if (!options.json.empty()) {

@@ -72,13 +72,19 @@ std::string DaysText(double days) {
   return fmt::format("{:.1f} days", Rounded(days, 1));
 }
 
+/// What was run, and how far a stopped run has come.
 std::string Heading(const Plan& plan, const RunReport& report) {
   const RunResult& run = report.main;
+  // The run without weather comes first.
+  const bool weather_never_began = report.compared && run.iterations() == 0;
+  const std::int32_t done =
+      weather_never_began ? report.without_weather.iterations() : run.iterations();
   std::string text = fmt::format("{}: {}, seed {}\n", TitleOf(plan),
-                                 Counted(run.iterations(), "iteration", "iterations"), run.seed);
-  if (run.stopped) {
-    text += fmt::format("Stopped: {} of {} iterations were done.\n", Grouped(run.iterations()),
-                        Grouped(run.iterations_asked));
+                                 Counted(done, "iteration", "iterations"), run.seed);
+  if (IsStopped(report)) {
+    text += fmt::format("Stopped: {} of {} iterations {}were done.\n", Grouped(done),
+                        Grouped(run.iterations_asked),
+                        weather_never_began ? "without weather and none with it " : "");
   }
   return text;
 }
@@ -183,6 +189,10 @@ std::vector<const TaskResult*> ResultsOf(const RunResult& run,
 }
 
 }  // namespace
+
+bool IsStopped(const RunReport& report) {
+  return report.main.stopped || (report.compared && report.without_weather.stopped);
+}
 
 std::string RunJson(const Plan& plan, const RunReport& report) {
   const RunResult& run = report.main;

@@ -21,6 +21,9 @@ struct RunReport {
   std::vector<std::string> warnings;
 };
 
+/// Whether not all iterations were done that were asked for.
+bool IsStopped(const RunReport& report);
+
 /// The report as JSON, with a line break at its end. The same bytes for the same plan, options and
 /// seed. Dates are local, to the minute; a date at midnight is written as 00:00 of the day that
 /// begins. Days are rounded to 2 decimals, shares to 4.

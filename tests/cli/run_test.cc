@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "engine/results/statistics.h"
 #include "nimbrel/json_text.h"
+#include "nimbrel/run_output.h"
 #include "tests/cli/cli_fixture.h"
 
 namespace nimbrel::cli {
@@ -35,7 +37,7 @@ std::vector<std::string> Lines(const std::string& text) {
 
 class RunTest : public CliTest {
  protected:
-  Json RunJson(std::vector<std::string> arguments) {
+  Json JsonOf(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "run");
     arguments.insert(arguments.end(), {"--json", "-", "--iterations", "200"});
     return Json::parse(Output(arguments));
@@ -43,7 +45,7 @@ class RunTest : public CliTest {
 };
 
 TEST_F(RunTest, JsonHasItsKeysInTheirOrder) {
-  const Json json = RunJson({WeatherPlan(), "--compare"});
+  const Json json = JsonOf({WeatherPlan(), "--compare"});
   EXPECT_THAT(Keys(json), ElementsAre("version", "plan", "iterations", "seed", "time_unit",
                                       "weather", "deterministic", "finish", "without_weather",
                                       "weather_delay_days", "calendars", "tasks", "warnings"));
@@ -63,7 +65,7 @@ TEST_F(RunTest, JsonHasItsKeysInTheirOrder) {
 }
 
 TEST_F(RunTest, JsonSaysHowTheRunWasMade) {
-  const Json json = RunJson({WeatherPlan(), "--seed", "7"});
+  const Json json = JsonOf({WeatherPlan(), "--seed", "7"});
   EXPECT_EQ(json["version"], NIMBREL_VERSION);
   EXPECT_EQ(json["plan"], "CHAIN");
   EXPECT_EQ(json["iterations"], 200);
@@ -76,7 +78,7 @@ TEST_F(RunTest, JsonSaysHowTheRunWasMade) {
 }
 
 TEST_F(RunTest, TasksThatCarryWeatherAreInNoResult) {
-  for (const Json& task : RunJson({WeatherPlan()})["tasks"]) {
+  for (const Json& task : JsonOf({WeatherPlan()})["tasks"]) {
     EXPECT_THAT((std::vector<std::string>{"CHAIN", "A", "B", "C", "M"}),
                 ::testing::Contains(task["id"].get<std::string>()));
   }
@@ -84,7 +86,7 @@ TEST_F(RunTest, TasksThatCarryWeatherAreInNoResult) {
 
 TEST_F(RunTest, ACertainPeriodLosesItsDaysInEveryIteration) {
   // Two days, no more and no less, in a period at 100%.
-  const Json json = RunJson({WeatherPlan()});
+  const Json json = JsonOf({WeatherPlan()});
   EXPECT_EQ(json["calendars"][0]["name"], "STORM");
   EXPECT_EQ(json["calendars"][0]["kind"], "event");
   EXPECT_EQ(json["calendars"][0]["lost_days"]["mean"], 2.0);
@@ -157,7 +159,7 @@ TEST_F(RunTest, TheSameBytesForAnyNumberOfWorkers) {
 
 TEST_F(RunTest, AnotherSeedGivesOtherSamples) {
   const std::string plan = WeatherPlan();
-  EXPECT_NE(RunJson({plan})["finish"], RunJson({plan, "--seed", "2"})["finish"]);
+  EXPECT_NE(JsonOf({plan})["finish"], JsonOf({plan, "--seed", "2"})["finish"]);
 }
 
 TEST_F(RunTest, ThePlanIsNeverChanged) {
@@ -174,19 +176,19 @@ TEST_F(RunTest, WeatherFromAFileTakesThePlaceOfThePlans) {
       { "description": "", "start": "2027-03-01", "finish": "2027-03-31", "probability": 1.0,
         "min": 3, "likely": 3, "max": 3 } ] } ],
       "windows": [], "assign": [ { "tasks": ["A"], "calendars": ["RAIN"], "nosplit": false } ] })");
-  const Json json = RunJson({plan, "--weather", other});
+  const Json json = JsonOf({plan, "--weather", other});
   ASSERT_EQ(json["calendars"].size(), 1U);
   EXPECT_EQ(json["calendars"][0]["name"], "RAIN");
   EXPECT_EQ(json["calendars"][0]["lost_days"]["mean"], 3.0);
 }
 
 TEST_F(RunTest, WeatherFromAFileServesAPlanOfAnotherProgram) {
-  EXPECT_EQ(RunJson({ChainXer(), "--weather", WeatherJson()})["weather"], true);
+  EXPECT_EQ(JsonOf({ChainXer(), "--weather", WeatherJson()})["weather"], true);
 }
 
 TEST_F(RunTest, APlanThatIsNoWeatherPlanRunsWithoutAndSaysSo) {
   const std::string plan = ChainPlan();
-  const Json json = RunJson({plan});
+  const Json json = JsonOf({plan});
   EXPECT_EQ(json["weather"], false);
   EXPECT_THAT(json["calendars"], ::testing::IsEmpty());
   EXPECT_THAT(json["warnings"].dump(), HasSubstr("no weather plan"));
@@ -198,7 +200,7 @@ TEST_F(RunTest, APlanThatIsNoWeatherPlanRunsWithoutAndSaysSo) {
 }
 
 TEST_F(RunTest, WeatherIsLeftOutOnRequest) {
-  const Json json = RunJson({WeatherPlan(), "--no-weather"});
+  const Json json = JsonOf({WeatherPlan(), "--no-weather"});
   EXPECT_EQ(json["weather"], false);
   EXPECT_THAT(json["calendars"], ::testing::IsEmpty());
   EXPECT_THAT(json["warnings"], ::testing::IsEmpty());
@@ -232,6 +234,36 @@ TEST_F(RunTest, ATerminalSeesProgressUnlessItIsToBeQuiet) {
   const Terminal terminal{.out_is_terminal = true, .err_is_terminal = true};
   EXPECT_THAT(Run({"run", plan, "--workers", "1"}, terminal).err, HasSubstr(" of 1,000"));
   EXPECT_EQ(Run({"run", plan, "--quiet"}, terminal).err, "");
+}
+
+/// A report of a plan without tasks, whose runs did so many iterations of ten.
+std::string TextOfStopped(std::int32_t without_weather, std::int32_t with_weather) {
+  engine::Plan plan;
+  plan.name = "P";
+  RunReport report;
+  report.weather = true;
+  report.compared = true;
+  const auto fill = [](engine::RunResult& result, std::int32_t done) {
+    result.seed = 1;
+    result.iterations_asked = 10;
+    result.stopped = done < 10;
+    for (std::int32_t number = 1; number <= done; ++number) {
+      result.iteration_numbers.push_back(number);
+      result.finish_samples.push_back(engine::ParseIsoText("2027-03-05T17:00"));
+    }
+    result.finish = engine::DateSummarizer().Summarize(result.finish_samples, true);
+  };
+  fill(report.without_weather, without_weather);
+  fill(report.main, with_weather);
+  return RunText(plan, report, {}, true, Terminal{});
+}
+
+TEST_F(RunTest, AStoppedComparisonTellsHowFarItCame) {
+  EXPECT_THAT(TextOfStopped(4, 0),
+              HasSubstr("P: 4 iterations, seed 1\n"
+                        "Stopped: 4 of 10 iterations without weather and none with it were done."));
+  EXPECT_THAT(TextOfStopped(10, 7), HasSubstr("Stopped: 7 of 10 iterations were done."));
+  EXPECT_THAT(TextOfStopped(10, 10), Not(HasSubstr("Stopped")));
 }
 
 TEST_F(RunTest, NothingIsWrittenIfOneOfTheFilesCannotBe) {
