@@ -20,5 +20,6 @@ void AddScheduleCommand(CLI::App& app, Console& console, Action& action);
 void AddRangesCommand(CLI::App& app, Console& console, Action& action);
 void AddWeatherCommand(CLI::App& app, Console& console, Action& action);
 void AddRunCommand(CLI::App& app, Console& console, Action& action);
+void AddCheckCommand(CLI::App& app, Console& console, Action& action);
 
 }  // namespace nimbrel::cli

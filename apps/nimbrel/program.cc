@@ -95,6 +95,7 @@ int Run(const std::vector<std::string>& arguments, Console& console) {
   AddRangesCommand(app, console, action);
   AddWeatherCommand(app, console, action);
   AddRunCommand(app, console, action);
+  AddCheckCommand(app, console, action);
 
   RequireCommand(app, arguments, 0);
   try {

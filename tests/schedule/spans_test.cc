@@ -112,6 +112,21 @@ TEST(Summary, WhatCannotBeFollowedIsNamed) {
                           HasSubstr("constraint of summary top")));
 }
 
+TEST(HasWorkOn, EveryDayIsWorkedForWhatCannotBeHeldBack) {
+  SmallPlan small;
+  const engine::Uid parent = small.Add("S", 0, TaskKind::kSummary).uid;
+  small.Add("A", 10).parent = parent;
+  small.Add("E", 10, TaskKind::kLevelOfEffort);
+  small.Add("M", 10).second_constraint = {ConstraintType::kMandatoryStart,
+                                          engine::Instant(kMonday, 480)};
+  const Scheduled scheduled(small);
+  const std::int32_t saturday = SmallPlan::kMonday + 5;
+  EXPECT_TRUE(scheduled.scheduler.HasWorkOn(scheduled.At("S"), saturday));
+  EXPECT_TRUE(scheduled.scheduler.HasWorkOn(scheduled.At("E"), saturday));
+  EXPECT_TRUE(scheduled.scheduler.HasWorkOn(scheduled.At("M"), saturday));
+  EXPECT_FALSE(scheduled.scheduler.HasWorkOn(scheduled.At("A"), saturday));
+}
+
 TEST(LevelOfEffort, StretchesFromItsPredecessorsToItsSuccessors) {
   SmallPlan small;
   small.Add("A", 1);

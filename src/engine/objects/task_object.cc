@@ -120,7 +120,19 @@ Ref<Corvane8::Calendar> TaskObject::get_Calendar() {
 }
 
 Long TaskObject::get_Type() {
-  return static_cast<Long>(Data().kind);
+  switch (Data().kind) {
+    case TaskKind::kTask:
+      return 0;
+    case TaskKind::kSummary:
+      return 1;
+    case TaskKind::kStartMilestone:
+      return 2;
+    case TaskKind::kLevelOfEffort:
+      return 4;
+    case TaskKind::kFinishMilestone:
+      return 5;
+  }
+  return 0;
 }
 
 void TaskObject::put_Description(std::string_view value) {

@@ -228,10 +228,9 @@ void TaskRiskObject::put_Mode(Long value) {
 }
 
 void TaskRiskObject::put_Probability(double value) {
-  if (!(value >= 0.0 && value <= 100.0)) {
-    throw RuntimeError(
-        platform::kInvalidProcedureCall,
-        "The probability of the task " + task().Data().id + " must be 0 to 100 percent");
+  if (!std::isfinite(value)) {
+    throw RuntimeError(platform::kInvalidProcedureCall,
+                       "The probability of the task " + task().Data().id + " must be a number");
   }
   task().Risk(-1);
   task().Data().risk->probability = value;

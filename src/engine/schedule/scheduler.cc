@@ -216,7 +216,8 @@ void Scheduler::CountDriving(std::vector<std::uint32_t>& on_path) const {
 bool Scheduler::HasWorkOn(TaskIndex task, std::int32_t day) const {
   const Slot slot = compiled_->SlotOf(task);
   const Network& network = compiled_->network;
-  return !network.IsOpen(slot) || network.tables[network.nodes[slot].table].IsWorked(day);
+  return !network.IsOpen(slot) || network.nodes[slot].is_mandatory ||
+         network.tables[network.nodes[slot].table].IsWorked(day);
 }
 
 Instant Scheduler::NextWorkStart(TaskIndex task, std::int32_t day) const {

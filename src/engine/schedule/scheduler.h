@@ -106,9 +106,9 @@ class Scheduler {
   void CountDriving(std::vector<std::uint32_t>& on_path) const;
 
   /// Whether the task has any working time on the day: by its own calendar and its risk calendars.
-  /// Every day counts as worked for a finished task, a summary and a level of effort: nothing of
-  /// the one is left, the others' dates follow those of other tasks, and no constraint moves them,
-  /// so that nothing can be gained by holding them back.
+  /// Every day counts as worked for a finished task, a summary, a level of effort and a task with a
+  /// mandatory date: nothing is left of the first, the next two follow other tasks, and the last
+  /// stays where it is, so that holding one of them back would never bring it past a day off.
   bool HasWorkOn(TaskIndex task, std::int32_t day) const;
   /// The start of the task's working time on the first day from `day` on that has any. Raises
   /// SchedulingError where there is none within what calendars cover.
