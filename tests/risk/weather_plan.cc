@@ -5,12 +5,16 @@
 #include <cmath>
 #include <map>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "host/cls_nimbrel.h"
 #include "host/mod_global.h"
 #include "platform/text.h"
 #include "simulation/mod_weather_events.h"
+#include "tests/support/schedule/schedule_check.h"
 
 namespace nimbrel::engine {
 namespace {
@@ -60,6 +64,45 @@ class Subscription {
  private:
   platform::Ref<Host> host_;
   Listener listener_;
+};
+
+/// The host's plan with the durations of the running iteration in place of its ranges.
+Plan AsScheduled(Host& host) {
+  Plan plan = host.document();
+  const Scheduler& scheduler = host.scheduler();
+  for (TaskIndex index = 0; index < scheduler.task_count(); ++index) {
+    Task* task = plan.FindTask(scheduler.TaskAt(index));
+    if (task->kind == TaskKind::kTask && !task->IsFinished()) {
+      task->range.reset();
+      task->remaining_minutes = scheduler.remaining(index);
+    }
+  }
+  return plan;
+}
+
+/// Hears each iteration after the add-in, and lets no schedule pass that breaks a link, a calendar
+/// or a constraint.
+Listener MakeChecker(Host& host) {
+  Listener checker;
+  checker.after_iteration = [&host](const Listener::PlanRef&, std::int32_t) {
+    const std::vector<std::string> breaches = test::CheckSchedule(
+        AsScheduled(host), [&host](const Task& task) { return host.Participates(task); },
+        host.scheduler(), test::Checked::kEarly);
+    if (!breaches.empty()) {
+      throw std::logic_error("the schedule is wrong: " + breaches.front());
+    }
+  };
+  return checker;
+}
+
+/// The add-in, and the checker behind it.
+class CheckedAddIn {
+ public:
+  explicit CheckedAddIn(Host& host) : add_in_(host), checker_(host, MakeChecker(host)) {}
+
+ private:
+  AddIn add_in_;
+  Subscription checker_;
 };
 
 }  // namespace
@@ -205,7 +248,7 @@ RunWiring WithoutAddIn() {
 
 RunWiring WithAddIn() {
   RunWiring wiring = WithoutAddIn();
-  wiring.attach = [](Host& host) { return std::make_shared<AddIn>(host); };
+  wiring.attach = [](Host& host) { return std::make_shared<CheckedAddIn>(host); };
   return wiring;
 }
 

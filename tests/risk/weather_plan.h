@@ -71,6 +71,8 @@ class Listener : public Corvane8::ApplicationEvents {
 };
 
 /// A wiring that knows weather tasks, calendar kinds and no-split marks, with the add-in listening.
+/// Every schedule of its runs goes through the independent checker; one that does not pass ends the
+/// run with an error that says what is wrong with it.
 RunWiring WithAddIn();
 /// The same with nobody listening.
 RunWiring WithoutAddIn();
