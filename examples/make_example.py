@@ -98,11 +98,11 @@ def contract_and_design():
               constraint=("CS_MSOA", "2026-06-15 08:00"))
     milestone("MS040", "River works licence granted", "DE060", constraint=None)
     milestone("MS050", "River foundations complete", "P2-150, P3-150, P4-150")
-    milestone("MS060", "Steel erected", "ST-920")
+    milestone("MS060", "Steel erected", "ST-920, ST-900")
     milestone("MS070", "Deck complete", "DK-910, DK-920")
     milestone("MS080", "New bridge open to traffic", "FI-140, WR-110, ER-110, CM-030",
               constraint=("CS_MEOB", "2028-06-30 17:00"))
-    milestone("MS090", "Contract complete", "DM-100, CM-050, CM-060")
+    milestone("MS090", "Contract complete", "MS050, MS060, DM-100, CM-050, CM-060")
 
     area("DE", "Design and approvals")
     act("DE010", "Ground investigation, west bank and river", 20, "S", "MS010",
@@ -242,7 +242,8 @@ def substructure():
     river_pier("P3", "Pier 3", "P2-020, P2-050 SS-12")
     river_pier("P4", "Pier 4", "P3-020, P2-150 SS, P3-060")
     # One rig and one gang of divers: the next pier's piles follow this one's.
-    LINKS_LATER.extend([("P3-040", "P2-050"), ("P4-040", "P3-050"), ("P4-010", "SU140")])
+    LINKS_LATER.extend([("WA-060", "SU080"), ("P1-060", "SU080"), ("P3-040", "P2-050"),
+                        ("P4-040", "P3-050"), ("P4-010", "SU140")])
     global _area
     _area = "SU"
     act("SU140", "River marks and boom laid out after the ice", 3, "M", "SU130", "marine",
@@ -291,7 +292,7 @@ def superstructure():
             span == 4 else f"DK-{span}20", "pour")
         act(f"DK-{span}40", f"Span {span}: deck gains strength", 7, "C", f"DK-{span}30", None)
         previous = span
-    act("DK-900", "Stitch pours over the piers", 8, "X", "DK-440, DK-340, DK-540", "pour")
+    act("DK-900", "Stitch pours over the piers", 8, "X", ", ".join(f"DK-{n}40" for n in deck_order), "pour")
     act("DK-910", "Strip forms and check levels", 10, "X", "DK-900 FS+4", "site")
     act("DK-920", "Load test of the deck", 4, "X", "DK-910", "site")
 
