@@ -92,10 +92,11 @@ Json DatesJson(const Report& report) {
   json["fields"] = Json::array();
   for (std::size_t field = 0; field < engine::kDateFieldCount; ++field) {
     const engine::FieldAgreement& agreement = report.dates.fields[field];
-    json["fields"].push_back({{"field", KeyOf(static_cast<DateField>(field))},
-                              {"compared", agreement.compared},
-                              {"equal", agreement.equal},
-                              {"share", Rounded(agreement.Share(), 4)}});
+    json["fields"].push_back(
+        {{"field", KeyOf(static_cast<DateField>(field))},
+         {"compared", agreement.compared},
+         {"equal", agreement.equal},
+         {"share", agreement.compared == 0 ? Json(nullptr) : Json(Rounded(agreement.Share(), 4))}});
   }
   json["differing"] = Json::array();
   for (const DifferingActivity& activity : report.dates.differing) {

@@ -1,6 +1,7 @@
 #include "nimbrel/output_file.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -132,6 +133,15 @@ void PendingOutput::Commit() {
     throw CannotWrite(path_, errno);
   }
   temporary_.clear();
+}
+
+void RequireOtherFile(const std::string& option, const std::string& output,
+                      const std::string& input) {
+  std::error_code none;  // a file that is not there is no other's twin
+  if (!output.empty() && output != "-" && std::filesystem::equivalent(output, input, none)) {
+    throw BadCommandLine(fmt::format(
+        "{}: expected another file than the ones that are read, found \"{}\"", option, output));
+  }
 }
 
 void FlushOutput(Console& console) {

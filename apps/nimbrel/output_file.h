@@ -30,6 +30,11 @@ class PendingOutput {
   std::string text_;                 // for what is written to as it is
 };
 
+/// Raises CommandError where `output`, the file of `option`, is the file `input` that the command
+/// reads: results must never take the place of what they come from. "" and "-" are no files.
+void RequireOtherFile(const std::string& option, const std::string& output,
+                      const std::string& input);
+
 /// Sends out what was written to standard output; raises CommandError if that fails, for example
 /// because a pipe was closed.
 void FlushOutput(Console& console);

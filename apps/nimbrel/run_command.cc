@@ -127,8 +127,12 @@ std::vector<std::string> CollectWarnings(const Options& options, const PlanDocum
   return warnings;
 }
 
-/// The two outputs must be able to stand side by side.
-void RequireTwoOutputs(const Options& options) {
+/// The outputs must be able to stand side by side, and beside the files that are read.
+void RequireOutputsApart(const Options& options) {
+  for (const std::string& input : {options.plan, options.weather_file}) {
+    RequireOtherFile("--json", options.json, input);
+    RequireOtherFile("--samples", options.samples, input);
+  }
   if (!options.json.empty() && options.json == options.samples) {
     throw BadCommandLine("--json and --samples: expected two different files, found \"" +
                          options.json + "\" twice");
@@ -136,7 +140,7 @@ void RequireTwoOutputs(const Options& options) {
 }
 
 ExitCode RunPlan(const Options& options, Console& console) {
-  RequireTwoOutputs(options);
+  RequireOutputsApart(options);
   PlanDocument document = OpenPlan(options.plan, options.reading);
   if (!options.weather_file.empty()) {
     SetWeatherFromFile(document.plan, options.weather_file);
@@ -158,7 +162,9 @@ ExitCode RunPlan(const Options& options, Console& console) {
   }
   const bool data_to_output = options.json == "-" || options.samples == "-";
   if (!data_to_output || stopped) {
-    console.out << RunText(plan, report, run.asked, !options.quiet, console.terminal);
+    // Whoever reads data from standard output finds data there, or nothing.
+    std::ostream& out = data_to_output ? console.err : console.out;
+    out << RunText(plan, report, run.asked, !options.quiet, console.terminal);
     FlushOutput(console);
   }
   for (PendingOutput& file : files) {

@@ -125,6 +125,7 @@ std::string AsText(const Plan& plan, const Scheduler& scheduler) {
 }
 
 ExitCode Schedule(const Options& options, Console& console) {
+  RequireOtherFile("-o", options.output, options.plan);
   const PlanDocument document = OpenPlan(options.plan, options.reading);
   std::string text;
   try {

@@ -78,6 +78,7 @@ class WarningWriter {
       WarnOfOffsets();
     }
     WarnOfCalendars();
+    WarnOfUnmovedTasks();
     WarnOfLongTasks();
     return std::move(warnings_);
   }
@@ -189,7 +190,45 @@ class WarningWriter {
     }
   }
 
-  // Tasks that must not be split.
+  // Tasks that weather cannot hold up, and tasks that it must not split.
+
+  /// Whether weather can move the task: it has work left, and dates of its own.
+  static bool IsHeldUp(const Task& task) {
+    const auto is_mandatory = [](const engine::Constraint& constraint) {
+      return constraint.type == engine::ConstraintType::kMandatoryStart ||
+             constraint.type == engine::ConstraintType::kMandatoryFinish;
+    };
+    return task.kind == engine::TaskKind::kTask && !task.IsFinished() &&
+           !is_mandatory(task.second_constraint);
+  }
+
+  void WarnOfUnmovedTasks() {
+    std::vector<std::string> marked;
+    std::vector<std::string> assigned;
+    for (const Task& task : plan_.tasks()) {
+      if (CarriesWeather(task) || IsHeldUp(task) || task.IsFinished()) {
+        continue;
+      }
+      if (IsNoSplit(task)) {
+        marked.push_back(task.id);
+      }
+      if (!task.risk_calendars.empty() && !task.IsMilestone()) {
+        assigned.push_back(task.id);
+      }
+    }
+    if (!marked.empty()) {
+      Warn(fmt::format(
+          "The no-split mark does nothing on {}: only tasks with work and without a second, "
+          "mandatory date are held back past weather.",
+          fmt::join(marked, ", ")));
+    }
+    if (!assigned.empty()) {
+      Warn(fmt::format(
+          "Weather assigned to {} holds up nothing: summaries and levels of effort follow other "
+          "tasks, and a mandatory date stays where it is. Assign it to the tasks themselves.",
+          fmt::join(assigned, ", ")));
+    }
+  }
 
   void WarnOfLongTasks() {
     if (!last_day_) {
@@ -197,8 +236,7 @@ class WarningWriter {
     }
     const WeatherRoom room(plan_, weather_, first_day_, *last_day_ + kDaysBeyondFinish);
     for (const Task& task : plan_.tasks()) {
-      if (IsNoSplit(task) && !CarriesWeather(task) && !task.IsFinished() &&
-          task.kind != engine::TaskKind::kSummary) {
+      if (IsNoSplit(task) && !CarriesWeather(task) && IsHeldUp(task)) {
         WarnOfLongTask(task, room);
       }
     }

@@ -44,6 +44,16 @@ class RunTest : public CliTest {
   }
 };
 
+TEST_F(RunTest, ResultsNeverTakeThePlaceOfWhatIsRead) {
+  const std::string plan = WeatherPlan();
+  const std::string weather = WeatherJson();
+  ExpectFailure({"run", plan, "--json", plan}, 2, "--json: expected another file");
+  ExpectFailure({"run", plan, "--samples", plan}, 2, "--samples: expected another file");
+  ExpectFailure({"run", plan, "--weather", weather, "--json", weather}, 2,
+                "--json: expected another file");
+  ExpectFailure({"schedule", plan, "-o", plan}, 2, "-o: expected another file");
+}
+
 TEST_F(RunTest, JsonHasItsKeysInTheirOrder) {
   const Json json = JsonOf({WeatherPlan(), "--compare"});
   EXPECT_THAT(Keys(json), ElementsAre("version", "plan", "iterations", "seed", "time_unit",

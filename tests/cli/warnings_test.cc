@@ -87,6 +87,21 @@ TEST_F(WarningsTest, WeatherThatIsInOrderHasNone) {
   EXPECT_THAT(Warnings(), IsEmpty());
 }
 
+TEST_F(WarningsTest, MarksAndWeatherOnWhatWeatherCannotMoveAreTold) {
+  AddEvents("STORM", {Period(kMonday, kMonday + 30, 0.5, 3)});
+  AddTask("A", 5, {"STORM"});
+  AddNoSplit("EFFORT", 400, {"STORM"});
+  AddNoSplit("FIXED", 5, {"STORM"});
+  AddNoSplit("DONE", 0);
+  plan_.FindTask("EFFORT")->kind = engine::TaskKind::kLevelOfEffort;
+  plan_.FindTask("FIXED")->second_constraint = {engine::ConstraintType::kMandatoryStart,
+                                                Instant(kMonday, 480)};
+  plan_.FindTask("DONE")->kind = engine::TaskKind::kFinishMilestone;
+  EXPECT_THAT(Warnings(),
+              ElementsAre(HasSubstr("no-split mark does nothing on EFFORT, FIXED, DONE:"),
+                          HasSubstr("Weather assigned to EFFORT, FIXED holds up nothing")));
+}
+
 TEST_F(WarningsTest, WeatherDataInAPlanThatIsNotMarkedRunsWithoutWeather) {
   AddEvents("STORM", {Period(kMonday, kMonday + 30, 1, 3)});
   SetWeather(plan_, weather_, "weather.json");
