@@ -88,7 +88,8 @@ TEST_F(RunTest, JsonSaysHowTheRunWasMade) {
 }
 
 TEST_F(RunTest, TasksThatCarryWeatherAreInNoResult) {
-  for (const Json& task : JsonOf({WeatherPlan()})["tasks"]) {
+  const Json json = JsonOf({WeatherPlan()});
+  for (const Json& task : json["tasks"]) {
     EXPECT_THAT((std::vector<std::string>{"CHAIN", "A", "B", "C", "M"}),
                 ::testing::Contains(task["id"].get<std::string>()));
   }
