@@ -15,8 +15,10 @@ enum ErrorNumber : std::int32_t {
   kTypeMismatch = 13,
   kObjectNotSet = 91,
   kObjectRequired = 424,
+  kCannotCreateObject = 429,
   kMemberNotFound = 438,
   kArgumentNotOptional = 449,
+  kWrongNumberOfArguments = 450,
   kDuplicateKey = 457,
   kApplicationDefined = 1004,
 };

@@ -15,6 +15,13 @@ struct Overload : Cases... {
 template <class... Cases>
 Overload(Cases...) -> Overload<Cases...>;
 
+[[noreturn]] void RaiseNoValue(const Ref<Object>& object) {
+  if (object.IsNothing()) {
+    RaiseNothing();
+  }
+  throw RuntimeError(kMemberNotFound, "An object cannot be used as a value");
+}
+
 }  // namespace
 
 double Variant::ToDouble(const Locale& locale) const {
@@ -22,7 +29,8 @@ double Variant::ToDouble(const Locale& locale) const {
       Overload{[](std::monostate) { return 0.0; }, [](bool value) { return value ? -1.0 : 0.0; },
                [](std::int32_t value) { return static_cast<double>(value); },
                [](double value) { return value; }, [](Date value) { return value.serial; },
-               [&](const std::string& value) { return ParseNumber(value, locale); }},
+               [&](const std::string& value) { return ParseNumber(value, locale); },
+               [](const Ref<Object>& object) -> double { RaiseNoValue(object); }},
       value_);
 }
 
@@ -58,13 +66,15 @@ bool Variant::ToBoolean(const Locale& locale) const {
 }
 
 std::string Variant::ToText(const Locale& locale) const {
-  return std::visit(Overload{[](std::monostate) { return std::string(); },
-                             [](bool value) { return std::string(value ? "True" : "False"); },
-                             [](std::int32_t value) { return std::to_string(value); },
-                             [&](double value) { return DefaultNumberText(value, locale); },
-                             [&](Date value) { return DefaultDateText(value, locale); },
-                             [](const std::string& value) { return value; }},
-                    value_);
+  return std::visit(
+      Overload{[](std::monostate) { return std::string(); },
+               [](bool value) { return std::string(value ? "True" : "False"); },
+               [](std::int32_t value) { return std::to_string(value); },
+               [&](double value) { return DefaultNumberText(value, locale); },
+               [&](Date value) { return DefaultDateText(value, locale); },
+               [](const std::string& value) { return value; },
+               [](const Ref<Object>& object) -> std::string { RaiseNoValue(object); }},
+      value_);
 }
 
 }  // namespace nimbrel::platform

@@ -7,12 +7,13 @@
 #include <variant>
 
 #include "platform/date.h"
+#include "platform/ref.h"
 
 namespace nimbrel::platform {
 
 struct Locale;
 
-/// A value of any of the plan's types, or empty.
+/// A value of any of the plan's types, a reference to an object, or empty.
 class Variant {
  public:
   Variant() = default;
@@ -25,9 +26,12 @@ class Variant {
   Variant(Date value) : value_(value) {}                      // NOLINT
   Variant(std::string value) : value_(std::move(value)) {}    // NOLINT
   Variant(const char* value) : value_(std::string(value)) {}  // NOLINT
+  /// Shares the object; the reference may be Nothing, which is not the same as empty.
+  template <std::derived_from<Object> T>
+  Variant(const Ref<T>& object) : value_(Ref<Object>(object)) {}  // NOLINT
 
   bool IsEmpty() const { return std::holds_alternative<std::monostate>(value_); }
-  /// Whether the value has type T: bool, std::int32_t, double, Date or std::string.
+  /// Whether the value has type T: bool, std::int32_t, double, Date, std::string or Ref<Object>.
   template <class T>
   bool Is() const {
     return std::holds_alternative<T>(value_);
@@ -39,7 +43,8 @@ class Variant {
   }
 
   /// Conversions. Empty gives 0, False or the empty text; True gives -1. Each raises error 13 for
-  /// text that the locale does not read as the type asked for, and error 6 on overflow.
+  /// text that the locale does not read as the type asked for, and error 6 on overflow. An object
+  /// is no value: it raises error 438, and Nothing error 91.
 
   /// A number is taken as days since 30 December 1899; raises error 6 outside the years 100 to
   /// 9999. Text must be a date (see ParseDate): digits alone are no day count.
@@ -54,11 +59,12 @@ class Variant {
   /// DefaultDateText.
   std::string ToText(const Locale& locale) const;
 
-  /// Equal in type and value: the Long 1 is not the Double 1.0.
+  /// Equal in type and value: the Long 1 is not the Double 1.0. Objects are equal if they are the
+  /// same.
   friend bool operator==(const Variant&, const Variant&) = default;
 
  private:
-  std::variant<std::monostate, bool, std::int32_t, double, Date, std::string> value_;
+  std::variant<std::monostate, bool, std::int32_t, double, Date, std::string, Ref<Object>> value_;
 };
 
 }  // namespace nimbrel::platform
