@@ -31,6 +31,20 @@ unsigned FoldCharacter(unsigned c) {
   return c;
 }
 
+/// The character that folds to `c`, or `c` itself.
+unsigned UpperCharacter(unsigned c) {
+  for (const unsigned upper : {c - 0x20, c - 0x50, c - 1, 0x178u}) {
+    if (upper != c && FoldCharacter(upper) == c) {
+      return upper;
+    }
+  }
+  return c;
+}
+
+bool ContinuesCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
 /// Gives the bytes of a text in lower case, one after the other and as many as the text has.
 class FoldedBytes {
  public:
@@ -48,7 +62,7 @@ class FoldedBytes {
 
  private:
   bool IsContinuation(std::size_t position) const {
-    return position < text_.size() && (static_cast<unsigned char>(text_[position]) & 0xC0) == 0x80;
+    return position < text_.size() && ContinuesCharacter(text_[position]);
   }
 
   char NextOfLong(unsigned char byte) {
@@ -80,6 +94,32 @@ std::string FoldCase(std::string_view text) {
     byte = bytes.Next();
   }
   return folded;
+}
+
+std::string UpperCase(std::string_view text) {
+  std::string upper(text);
+  for (std::size_t i = 0; i < upper.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(upper[i]);
+    if (byte >= 'a' && byte <= 'z') {
+      upper[i] = static_cast<char>(byte - 0x20);
+    } else if ((byte & 0xE0) == 0xC0 && i + 1 < upper.size() && ContinuesCharacter(upper[i + 1])) {
+      const auto second = static_cast<unsigned char>(upper[i + 1]);
+      const unsigned c = UpperCharacter(((byte & 0x1Fu) << 6) | (second & 0x3Fu));
+      upper[i] = static_cast<char>(0xC0u | (c >> 6));
+      upper[++i] = static_cast<char>(0x80u | (c & 0x3Fu));
+    }
+  }
+  return upper;
+}
+
+std::string_view FirstCharacters(std::string_view text, std::size_t count) {
+  std::size_t seen = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (!ContinuesCharacter(text[i]) && ++seen > count) {
+      return text.substr(0, i);
+    }
+  }
+  return text;
 }
 
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) {

@@ -11,6 +11,14 @@ namespace nimbrel::platform {
 /// bytes stays the same. For comparing, not for showing.
 std::string FoldCase(std::string_view text);
 
+/// `text` (UTF-8) in upper case, in the letters that FoldCase folds: each becomes the character
+/// that folds to it, so that FoldCase of the result is that of `text`. The length in bytes stays
+/// the same; what has no partner of its own, as the sharp s, stays.
+std::string UpperCase(std::string_view text);
+
+/// The first `count` characters of a UTF-8 text, or all of it if it has fewer. A part of `text`.
+std::string_view FirstCharacters(std::string_view text, std::size_t count);
+
 /// Whether two UTF-8 texts are the same without regard to case, as keys and names are compared:
 /// whether FoldCase gives the same for both. Allocates nothing.
 bool EqualsIgnoreCase(std::string_view a, std::string_view b);

@@ -62,6 +62,35 @@ RC_GTEST_PROP(TextProperty, FoldingKeepsTheLengthAndFoldsAllAtOnce, ()) {
   RC_ASSERT(FoldCase(folded) == folded);
 }
 
+TEST(UpperCase, RaisesTheLettersOfEuropeanAlphabets) {
+  EXPECT_EQ(UpperCase("North Sea 1"), "NORTH SEA 1");
+  EXPECT_EQ(UpperCase("märz östlich über"), "MÄRZ ÖSTLICH ÜBER");
+  EXPECT_EQ(UpperCase("łódź železo ÿser"), "ŁÓDŹ ŽELEZO ŸSER");
+  EXPECT_EQ(UpperCase("ωρα ёлка январь"), "ΩΡΑ ЁЛКА ЯНВАРЬ");
+}
+
+TEST(UpperCase, LeavesWhatHasNoPartner) {
+  EXPECT_EQ(UpperCase("[`{@} 2×3÷4 € ß"), "[`{@} 2×3÷4 € ß");
+  EXPECT_EQ(UpperCase("a\xC3"), "A\xC3");
+  EXPECT_EQ(UpperCase("\xC3z"), "\xC3Z");
+}
+
+RC_GTEST_PROP(TextProperty, RaisingKeepsWhatFoldingGives, ()) {
+  const std::string text = *AnyText();
+  const std::string upper = UpperCase(text);
+  RC_ASSERT(FoldCase(upper) == FoldCase(text));
+  RC_ASSERT(UpperCase(upper) == upper);
+  RC_ASSERT(UpperCase(FoldCase(text)) == upper);
+}
+
+TEST(FirstCharacters, CountsCharactersAndNotBytes) {
+  EXPECT_EQ(FirstCharacters("März-Öffnung", 3), "Mär");
+  EXPECT_EQ(FirstCharacters("Mä", 2), "Mä");
+  EXPECT_EQ(FirstCharacters("Mä", 9), "Mä");
+  EXPECT_EQ(FirstCharacters("abc", 0), "");
+  EXPECT_EQ(FirstCharacters("", 2), "");
+}
+
 TEST(HashIgnoreCase, TellsKeysApart) {
   EXPECT_NE(HashIgnoreCase("A10"), HashIgnoreCase("A11"));
   EXPECT_NE(HashIgnoreCase("A10"), HashIgnoreCase("A01"));
