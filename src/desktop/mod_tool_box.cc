@@ -1,10 +1,12 @@
 #include "desktop/mod_tool_box.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
 #include "host/mod_global.h"
 #include "platform/runtime_error.h"
+#include "platform/text.h"
 
 namespace nimbrel::modToolBox {
 
@@ -42,17 +44,10 @@ void SaveOption(std::string_view key, const std::string& value) {
 
 /// The first `count` characters of a UTF-8 text followed by spaces: always `count` long.
 std::string Padded(const std::string& text, std::size_t count) {
-  std::size_t end = 0;
-  std::size_t characters = 0;
-  while (end < text.size()) {
-    const bool begins = (static_cast<unsigned char>(text[end]) & 0xC0U) != 0x80U;
-    if (begins && characters == count) {
-      break;
-    }
-    characters += begins ? 1 : 0;
-    ++end;
-  }
-  return text.substr(0, end) + std::string(count - characters, ' ');
+  std::string padded(platform::FirstCharacters(text, count));
+  const auto characters = static_cast<std::size_t>(std::ranges::count_if(
+      padded, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+  return padded.append(count - characters, ' ');
 }
 
 std::string Without(std::string text, std::string_view part) {
