@@ -24,14 +24,13 @@ namespace nimbrel::dialog {
 
 class frmWeather;
 
-/// What the buttons that carry weather data to and from workbooks run, and what shows the help,
-/// handed in where the parts are wired together. A button whose seam is empty does nothing.
+/// What the buttons that carry weather data to and from workbooks run, handed in where the parts
+/// are wired together. A button whose seam is empty does nothing.
 struct WeatherSeams {
   std::function<void(frmWeather&)> ExportCalendars;  ///< cmdExport
   std::function<void(frmWeather&)> ImportAll;        ///< cmdImport
   std::function<void(frmWeather&)> ImportEvents;     ///< cmdImportWeather
   std::function<void(frmWeather&)> ImportWindows;    ///< cmdImportWW
-  std::function<void()> ShowHelp;                    ///< cmdHelp
 };
 
 /// Makes a fresh weather dialog for the active plan, shows it modally on `desktop`, and lets it go
@@ -255,8 +254,14 @@ class frmWeather final : public toolkit::Form, private model::WeatherControls {
   bool NormaliseDate(toolkit::TextBox& Box);
   bool NormalisePercentage(toolkit::TextBox& Box);
   bool CheckNumber(const toolkit::TextBox& Box);
-  /// Sorts by column `nCol`, from 1, as text (`nKind` 0), date (1) or number (2), and turns the
-  /// list's order for the next time.
+  /// Ways of sorting a column.
+  static constexpr std::int32_t kSortText = 0;
+  static constexpr std::int32_t kSortDate = 1;
+  static constexpr std::int32_t kSortNumber = 2;
+  /// Sorts by column `nCol`, from 1, in the way `nKind`, and turns the list's order: the first sort
+  /// of a fresh list ends in descending order. Raises error 13 for a cell that is no date or
+  /// number, and error 5 for a number of more than seven places before its two decimals; the cells
+  /// before it are then left with their sort keys as texts.
   static void SortListColumn(toolkit::ListView& List, std::int32_t nCol, std::int32_t nKind);
 
   // The page of assignments: assign_page.cc.

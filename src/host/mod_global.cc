@@ -12,6 +12,10 @@ namespace nimbrel::modGlobal {
 
 using Corvane8::Ref;
 
+std::string g_strModulesFolder;
+platform::Collection<std::string> g_colEventHeaders;
+platform::Collection<std::string> g_colWindowHeaders;
+
 namespace {
 
 constexpr std::string_view kSection = "NIMBRELMOD";

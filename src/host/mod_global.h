@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 #include "host/corvane8.h"
+#include "platform/collection.h"
 #include "platform/locale.h"
 
 /// What everything else leans on to talk to a plan in the plan's own terms: the application, the
@@ -17,6 +19,12 @@ struct Wiring {
   /// The user's locale.
   platform::Locale locale = platform::DefaultLocale();
 };
+
+/// Set anew whenever the weather dialog opens, and left behind after it.
+extern std::string g_strModulesFolder;  ///< where the file dialogs of the import start
+extern platform::Collection<std::string>
+    g_colEventHeaders;  ///< the column titles of an event sheet, in their order
+extern platform::Collection<std::string> g_colWindowHeaders;  ///< the same of a window sheet
 
 /// Puts `wiring` in place. To be called before anything else of the add-in runs; called again, it
 /// also lets the application of the former wiring go, so that the next use makes a new one.

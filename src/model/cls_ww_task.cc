@@ -50,6 +50,10 @@ void WriteEdge(const Ref<Corvane8::Task>& edge, const std::string& strID,
   duration->put_Maximum(DaysToPlanUnits(platform::DaysBetween(dtEarliest, dtLatest)));
 }
 
+std::string ListText(Date dt) {
+  return platform::FormatDate(dt, "dd/mmm/yyyy", Locale());
+}
+
 /// Keeps durations from going negative, and corrects no more than that.
 void NotBefore(Date dtEarliest, Date& dt) {
   if (dt < dtEarliest) {
@@ -118,6 +122,17 @@ void clsWWTask::UpdateTask() {
             m_dtEndStart);
   WriteEdge(m_taskEnd, m_strTaskIDEnd, m_strTaskDescEnd.ToText(Locale()), m_dtStartEnd,
             m_dtLikelyEnd, m_dtEndEnd);
+}
+
+void clsWWTask::PopulateListItem(const toolkit::ListItemRef& lstItem) const {
+  lstItem->SetText(m_strTaskIDStart);
+  lstItem->SetSubItems(1, m_strTaskDescStart);
+  lstItem->SetSubItems(2, ListText(m_dtStartStart));
+  lstItem->SetSubItems(3, ListText(m_dtLikelyStart));
+  lstItem->SetSubItems(4, ListText(m_dtEndStart));
+  lstItem->SetSubItems(6, ListText(m_dtStartEnd));
+  lstItem->SetSubItems(7, ListText(m_dtLikelyEnd));
+  lstItem->SetSubItems(8, ListText(m_dtEndEnd));
 }
 
 }  // namespace nimbrel::model

@@ -7,6 +7,7 @@
 #include "platform/date.h"
 #include "platform/ref.h"
 #include "platform/variant.h"
+#include "toolkit/list_item.h"
 
 namespace nimbrel::model {
 
@@ -40,6 +41,11 @@ class clsWWTask final : public platform::Object {
   /// Writes both edges. Raises what the host raises, with the steps done so far in the plan, and
   /// error 91 at an edge that is not there.
   void UpdateTask();
+
+  /// Writes the window into a row of the list of windows: the ID of the start edge as its text, the
+  /// description and the dates as cells, cell 5 being the blank one. Raises error 6 for a date that
+  /// cannot be written, with the cells before it done.
+  void PopulateListItem(const toolkit::ListItemRef& lstItem) const;
 
  private:
   /// Shared with the plan; Nothing before InitFromTask, the end edge also for want of a link.
