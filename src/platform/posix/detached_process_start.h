@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "platform/process_start.h"
+
+namespace nimbrel::platform {
+
+/// Starts programs as processes of their own: in no terminal, with no open file of this process,
+/// and adopted by the system, so that none is left to be waited for.
+///
+/// A file that can be run is run with the parameters as its one argument, if there are any. Any
+/// other file is handed to the system's opener. The working folder is the one asked for, or this
+/// process's own where there is no such folder.
+class DetachedProcessStart final : public ProcessStart {
+ public:
+  /// `programs` has the local program for each file that goes by another name here. `opener` is the
+  /// program that opens documents, looked for in PATH if it has no folder.
+  explicit DetachedProcessStart(std::map<std::string, std::string> programs = {},
+                                std::string opener = "xdg-open");
+
+  /// The verb, the owner and the way to show the window mean nothing here. Gives 42 for what was
+  /// started, 2 for what was not found and 5 for what could not be run.
+  std::int32_t ShellExecute(std::int32_t owner, const std::string& verb, const std::string& file,
+                            const std::string& parameters, const std::string& directory,
+                            std::int32_t show) override;
+
+ private:
+  std::map<std::string, std::string> programs_;
+  std::string opener_;
+};
+
+}  // namespace nimbrel::platform
