@@ -49,7 +49,7 @@ Json TaskJson(const Plan& plan, const TaskResult& result) {
   Json json;
   json["id"] = task.id;
   json["name"] = task.description;
-  json["start"] = {{"p50", DateJson(result.start_p50)}};
+  json["start"] = {{"p50", DateJson(result.start.value)}};
   Json& finish = json["finish"];
   finish["mean"] = DateJson(result.finish.mean);
   finish["p10"] = DateJson(result.finish.p10);
@@ -150,7 +150,7 @@ std::string TaskTable(const Plan& plan, const std::string& title,
   for (const TaskResult* result : results) {
     const engine::Task& task = *plan.FindTask(result->task);
     table.AddRow({CutTo(task.id, 20), CutTo(task.description, kNameWidth),
-                  fmt::format("{:.0f}%", result->criticality * 100), DayText(result->start_p50),
+                  fmt::format("{:.0f}%", result->criticality * 100), DayText(result->start.value),
                   DayText(result->finish.p50), DayText(result->finish.p80),
                   result->nosplit_pushed_days > 0
                       ? fmt::format("{:.1f} d", result->nosplit_pushed_days)

@@ -45,23 +45,23 @@ TEST(Percentile, OfOneSampleIsThatSample) {
   DateSummarizer summarizer;
   const auto samples = Noons({5});
   for (const int percent : {1, 10, 50, 80, 90, 99, 100}) {
-    EXPECT_EQ(summarizer.Percentile(samples, percent), Noon(5)) << percent;
+    EXPECT_EQ(summarizer.PercentileOf(samples, percent).value, Noon(5)) << percent;
   }
 }
 
 TEST(Percentile, OfNoSampleIsAbsent) {
-  EXPECT_TRUE(DateSummarizer().Percentile({}, 50).IsAbsent());
+  EXPECT_TRUE(DateSummarizer().PercentileOf({}, 50).value.IsAbsent());
 }
 
 TEST(Percentile, IsTheSmallestSampleThatEnoughSamplesDoNotExceed) {
   // Of ten samples the 80th percentile is the eighth: 80% are enough, not more than 80%.
   const auto ten = Noons({10, 1, 9, 2, 8, 3, 7, 4, 6, 5});
   DateSummarizer summarizer;
-  EXPECT_EQ(summarizer.Percentile(ten, 80), Noon(8));
-  EXPECT_EQ(summarizer.Percentile(ten, 81), Noon(9));
-  EXPECT_EQ(summarizer.Percentile(ten, 50), Noon(5));
-  EXPECT_EQ(summarizer.Percentile(ten, 1), Noon(1));
-  EXPECT_EQ(summarizer.Percentile(ten, 100), Noon(10));
+  EXPECT_EQ(summarizer.PercentileOf(ten, 80).value, Noon(8));
+  EXPECT_EQ(summarizer.PercentileOf(ten, 81).value, Noon(9));
+  EXPECT_EQ(summarizer.PercentileOf(ten, 50).value, Noon(5));
+  EXPECT_EQ(summarizer.PercentileOf(ten, 1).value, Noon(1));
+  EXPECT_EQ(summarizer.PercentileOf(ten, 100).value, Noon(10));
 }
 
 TEST(Percentile, AgreesWithCountingForSamplesOfAllSizes) {
@@ -162,6 +162,31 @@ TEST(DayStatistics, AreOfLengthsOfEitherSign) {
   EXPECT_EQ(statistics.p80, 5.0);
   EXPECT_EQ(statistics.p90, 5.0);
   EXPECT_EQ(statistics.count, 4);
+}
+
+TEST(DateStatistics, EveryPercentileHasTheIntervalOfItsQuantile) {
+  std::vector<Instant> samples;
+  for (int day = 1; day <= 137; ++day) {
+    samples.push_back(Noon(day));
+  }
+  const DateStatistics dates = DateSummarizer().Summarize(samples, false);
+  std::vector<std::int64_t> minutes;
+  for (const Instant sample : samples) {
+    minutes.push_back(sample.Minutes() - Noon(0).Minutes());
+  }
+  const DayStatistics days = SummarizeMinutes(minutes);
+  for (std::size_t i = 0; i < 4; ++i) {
+    const Percentile<Instant> date = PercentilesOf(dates)[i];
+    const Percentile<double> length = PercentilesOf(days)[i];
+    const RankInterval interval = QuantileInterval(137, date.percent);
+    // The sample of rank r, from 0, is that of day r + 1.
+    EXPECT_EQ(date.low, Noon(static_cast<int>(interval.low) + 1)) << date.percent;
+    EXPECT_EQ(date.high, Noon(static_cast<int>(interval.high) + 1)) << date.percent;
+    EXPECT_EQ(length.percent, date.percent);
+    EXPECT_EQ(length.low, static_cast<double>(interval.low) + 1) << date.percent;
+    EXPECT_EQ(length.high, static_cast<double>(interval.high) + 1) << date.percent;
+    EXPECT_EQ(length.value, static_cast<double>(PercentileRank(137, date.percent)) + 1);
+  }
 }
 
 TEST(DayStatistics, OfNoLengthsAreZero) {

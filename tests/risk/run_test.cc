@@ -291,7 +291,7 @@ TEST(RiskRun, StatisticsOfATaskAreThoseOfItsSamples) {
   for (std::size_t i = 0; i < result.tasks.size(); ++i) {
     EXPECT_EQ(result.tasks[i].task, result.samples[i].task);
     EXPECT_EQ(result.tasks[i].finish, summarizer.Summarize(result.samples[i].finish, true));
-    EXPECT_EQ(result.tasks[i].start_p50, summarizer.Percentile(result.samples[i].start, 50));
+    EXPECT_EQ(result.tasks[i].start, summarizer.PercentileOf(result.samples[i].start, 50));
   }
   EXPECT_EQ(result.finish, summarizer.Summarize(result.finish_samples, true));
   EXPECT_EQ(result.samples.back().finish, result.finish_samples) << "the last task ends the plan";

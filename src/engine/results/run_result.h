@@ -13,7 +13,7 @@ namespace nimbrel::engine {
 /// One scheduled task over a run. Tasks that only carry weather have none.
 struct TaskResult {
   Uid task = 0;
-  Instant start_p50;
+  Percentile<Instant> start;  // P50
   DateStatistics finish;
   double criticality = 0;  // share of the iterations in which it drove the plan's finish, 0 to 1
   /// How far weather pushed the start on average, in calendar days: from the first scheduling of an

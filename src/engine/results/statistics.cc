@@ -73,6 +73,38 @@ double ToDays(std::int64_t minutes) {
   return static_cast<double>(minutes) / kMinutesPerDay;
 }
 
+constexpr std::array<int, 4> kPercents = {10, 50, 80, 90};
+
+/// Where a percentile stands among the statistics of its samples.
+template <class Statistics, class Value>
+struct PercentileMembers {
+  Value Statistics::*value;
+  Value Statistics::*low;
+  Value Statistics::*high;
+};
+constexpr std::array<PercentileMembers<DateStatistics, Instant>, 4> kDateMembers = {
+    {{&DateStatistics::p10, &DateStatistics::p10_low, &DateStatistics::p10_high},
+     {&DateStatistics::p50, &DateStatistics::p50_low, &DateStatistics::p50_high},
+     {&DateStatistics::p80, &DateStatistics::p80_low, &DateStatistics::p80_high},
+     {&DateStatistics::p90, &DateStatistics::p90_low, &DateStatistics::p90_high}}};
+constexpr std::array<PercentileMembers<DayStatistics, double>, 4> kDayMembers = {
+    {{&DayStatistics::p10, &DayStatistics::p10_low, &DayStatistics::p10_high},
+     {&DayStatistics::p50, &DayStatistics::p50_low, &DayStatistics::p50_high},
+     {&DayStatistics::p80, &DayStatistics::p80_low, &DayStatistics::p80_high},
+     {&DayStatistics::p90, &DayStatistics::p90_low, &DayStatistics::p90_high}}};
+
+template <class Statistics, class Value>
+std::array<Percentile<Value>, 4> ListPercentiles(
+    const Statistics& statistics,
+    const std::array<PercentileMembers<Statistics, Value>, 4>& members) {
+  std::array<Percentile<Value>, 4> percentiles;
+  for (std::size_t i = 0; i < members.size(); ++i) {
+    percentiles[i] = {kPercents[i], statistics.*members[i].value, statistics.*members[i].low,
+                      statistics.*members[i].high};
+  }
+  return percentiles;
+}
+
 }  // namespace
 
 std::int64_t PercentileRank(std::int64_t count, int percent) {
@@ -186,33 +218,41 @@ void DateSummarizer::SelectKept(std::span<const std::int64_t> ranks, std::span<I
   }
 }
 
+/// The interval of one of kPercents.
+const RankInterval& DateSummarizer::IntervalOf(std::int64_t count, std::size_t which) {
+  if (interval_count_ != count) {
+    for (std::size_t i = 0; i < kPercents.size(); ++i) {
+      intervals_[i] = QuantileInterval(count, kPercents[i]);
+    }
+    interval_count_ = count;
+  }
+  return intervals_[which];
+}
+
 DateStatistics DateSummarizer::Summarize(std::span<const Instant> samples, bool as_finish) {
   DateStatistics result;
   result.count = static_cast<std::int64_t>(samples.size());
   if (result.count == 0) {
     return result;
   }
-  if (interval_count_ != result.count) {
-    interval_ = QuantileInterval(result.count, 80);
-    interval_count_ = result.count;
-  }
-  // Select wants its ranks in order, and the interval's place among the others depends on N.
+  // Select wants its ranks in order, and the intervals' places among the others depend on N.
   struct Wanted {
     std::int64_t rank;
     Instant DateStatistics::*member;
   };
-  std::array<Wanted, 8> wanted = {{{0, &DateStatistics::min},
-                                   {result.count - 1, &DateStatistics::max},
-                                   {PercentileRank(result.count, 10), &DateStatistics::p10},
-                                   {PercentileRank(result.count, 50), &DateStatistics::p50},
-                                   {PercentileRank(result.count, 80), &DateStatistics::p80},
-                                   {PercentileRank(result.count, 90), &DateStatistics::p90},
-                                   {interval_.low, &DateStatistics::p80_low},
-                                   {interval_.high, &DateStatistics::p80_high}}};
+  std::array<Wanted, 2 + 3 * kPercents.size()> wanted = {
+      {{0, &DateStatistics::min}, {result.count - 1, &DateStatistics::max}}};
+  for (std::size_t i = 0; i < kPercents.size(); ++i) {
+    const RankInterval& interval = IntervalOf(result.count, i);
+    const PercentileMembers<DateStatistics, Instant>& members = kDateMembers[i];
+    wanted[2 + 3 * i] = {PercentileRank(result.count, kPercents[i]), members.value};
+    wanted[3 + 3 * i] = {interval.low, members.low};
+    wanted[4 + 3 * i] = {interval.high, members.high};
+  }
   std::sort(wanted.begin(), wanted.end(),
             [](const Wanted& a, const Wanted& b) { return a.rank < b.rank; });
-  std::array<std::int64_t, 8> ranks{};
-  std::array<Instant, 8> values;
+  std::array<std::int64_t, wanted.size()> ranks{};
+  std::array<Instant, wanted.size()> values;
   std::transform(wanted.begin(), wanted.end(), ranks.begin(),
                  [](const Wanted& each) { return each.rank; });
   Select(samples, ranks, values);
@@ -229,13 +269,35 @@ DateStatistics DateSummarizer::Summarize(std::span<const Instant> samples, bool 
   return result;
 }
 
-Instant DateSummarizer::Percentile(std::span<const Instant> samples, int percent) {
-  Instant value;
-  if (!samples.empty()) {
-    const std::int64_t rank = PercentileRank(static_cast<std::int64_t>(samples.size()), percent);
-    Select(samples, {&rank, 1}, {&value, 1});
+Percentile<Instant> DateSummarizer::PercentileOf(std::span<const Instant> samples, int percent) {
+  Percentile<Instant> result{percent, {}, {}, {}};
+  if (samples.empty()) {
+    return result;
   }
-  return value;
+  const auto count = static_cast<std::int64_t>(samples.size());
+  const auto known = std::find(kPercents.begin(), kPercents.end(), percent);
+  RankInterval interval{count - 1, count - 1};  // of the greatest
+  if (known != kPercents.end()) {
+    interval = IntervalOf(count, static_cast<std::size_t>(known - kPercents.begin()));
+  } else if (percent < 100) {
+    interval = QuantileInterval(count, percent);
+  }
+  const std::array<std::int64_t, 3> ranks = {interval.low, PercentileRank(count, percent),
+                                             interval.high};
+  std::array<Instant, 3> values;
+  Select(samples, ranks, values);
+  result.low = values[0];
+  result.value = values[1];
+  result.high = values[2];
+  return result;
+}
+
+std::array<Percentile<Instant>, 4> PercentilesOf(const DateStatistics& statistics) {
+  return ListPercentiles(statistics, kDateMembers);
+}
+
+std::array<Percentile<double>, 4> PercentilesOf(const DayStatistics& statistics) {
+  return ListPercentiles(statistics, kDayMembers);
 }
 
 DayStatistics SummarizeMinutes(std::span<const std::int64_t> minutes) {
@@ -246,8 +308,8 @@ DayStatistics SummarizeMinutes(std::span<const std::int64_t> minutes) {
   }
   std::vector<std::int64_t> sorted(minutes.begin(), minutes.end());
   std::sort(sorted.begin(), sorted.end());
-  const auto percentile = [&](int percent) {
-    return ToDays(sorted[static_cast<std::size_t>(PercentileRank(result.count, percent))]);
+  const auto sample = [&](std::int64_t rank) {
+    return ToDays(sorted[static_cast<std::size_t>(rank)]);
   };
   Sums sums;
   for (const std::int64_t length : sorted) {
@@ -260,10 +322,12 @@ DayStatistics SummarizeMinutes(std::span<const std::int64_t> minutes) {
   result.sd = Deviation(sums, result.count) / kMinutesPerDay;
   result.min = ToDays(sorted.front());
   result.max = ToDays(sorted.back());
-  result.p10 = percentile(10);
-  result.p50 = percentile(50);
-  result.p80 = percentile(80);
-  result.p90 = percentile(90);
+  for (std::size_t i = 0; i < kPercents.size(); ++i) {
+    const RankInterval interval = QuantileInterval(result.count, kPercents[i]);
+    result.*kDayMembers[i].value = sample(PercentileRank(result.count, kPercents[i]));
+    result.*kDayMembers[i].low = sample(interval.low);
+    result.*kDayMembers[i].high = sample(interval.high);
+  }
   return result;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -28,6 +29,17 @@ struct RankInterval {
 /// last sample. `count` is 1 or more, 0 < percent < 100.
 RankInterval QuantileInterval(std::int64_t count, int percent);
 
+/// A percentile, and the 95% interval of the quantile that it estimates (see QuantileInterval). All
+/// three are samples.
+template <class Value>
+struct Percentile {
+  int percent = 0;
+  Value value{};
+  Value low{};
+  Value high{};
+  friend bool operator==(const Percentile&, const Percentile&) = default;
+};
+
 /// What the samples of a date say. All dates are samples, but for the mean.
 struct DateStatistics {
   std::int64_t count = 0;  // 0: everything else is absent or 0
@@ -35,9 +47,13 @@ struct DateStatistics {
   double sd_days = 0;      // calendar days, with N - 1 as divisor; 0 for one sample
   Instant min, max;
   Instant p10, p50, p80, p90;
-  Instant p80_low, p80_high;  // 95% interval of the 80% quantile, see QuantileInterval
+  // Their 95% intervals.
+  Instant p10_low, p10_high, p50_low, p50_high, p80_low, p80_high, p90_low, p90_high;
   friend bool operator==(const DateStatistics&, const DateStatistics&) = default;
 };
+
+/// Its percentiles with their intervals, in order.
+std::array<Percentile<Instant>, 4> PercentilesOf(const DateStatistics& statistics);
 
 /// Makes statistics of columns of dates, one after the other, with working memory of its own.
 /// Samples may be in any order, and none may be absent; the order changes nothing.
@@ -47,8 +63,9 @@ class DateSummarizer {
   /// a midnight).
   DateStatistics Summarize(std::span<const Instant> samples, bool as_finish);
 
-  /// The p-percentile, 0 < p <= 100; absent for no samples.
-  Instant Percentile(std::span<const Instant> samples, int percent);
+  /// The p-percentile, 0 < p <= 100, with its interval (the 100-percentile stands alone); absent
+  /// dates for no samples.
+  Percentile<Instant> PercentileOf(std::span<const Instant> samples, int percent);
 
  private:
   /// The samples with these positions in sorted order, which ascend, into `values`.
@@ -66,8 +83,11 @@ class DateSummarizer {
   };
   std::vector<Bucket> buckets_;
   std::vector<Instant> kept_;
-  std::int64_t interval_count_ = 0;  // what interval_ is for
-  RankInterval interval_;
+
+  const RankInterval& IntervalOf(std::int64_t count, std::size_t which);
+
+  std::int64_t interval_count_ = 0;  // what intervals_ are for
+  std::array<RankInterval, 4> intervals_;
 };
 
 /// What samples that are lengths of time say, in calendar days.
@@ -77,8 +97,14 @@ struct DayStatistics {
   double sd = 0;  // with N - 1 as divisor; 0 for one sample
   double min = 0, max = 0;
   double p10 = 0, p50 = 0, p80 = 0, p90 = 0;
+  // Their 95% intervals.
+  double p10_low = 0, p10_high = 0, p50_low = 0, p50_high = 0;
+  double p80_low = 0, p80_high = 0, p90_low = 0, p90_high = 0;
   friend bool operator==(const DayStatistics&, const DayStatistics&) = default;
 };
+
+/// Its percentiles with their intervals, in order.
+std::array<Percentile<double>, 4> PercentilesOf(const DayStatistics& statistics);
 
 /// Statistics of lengths of time in minutes, in any order; the same for any order.
 DayStatistics SummarizeMinutes(std::span<const std::int64_t> minutes);

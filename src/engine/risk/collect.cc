@@ -109,7 +109,7 @@ void CollectTasks(const RunContext& context, RunResult& result) {
       [&](TaskIndex task, std::span<const Instant> starts, std::span<const Instant> finishes) {
         TaskResult& into = result.tasks[Index(task)];
         into.task = layout.tasks[Index(task)];
-        into.start_p50 = summarizer.Percentile(starts, 50);
+        into.start = summarizer.PercentileOf(starts, 50);
         into.finish = summarizer.Summarize(finishes, true);
         into.criticality = count > 0 ? static_cast<double>(driving[Index(task)]) / count : 0.0;
         for (std::size_t i = 0; i < layout.asked.size(); ++i) {
