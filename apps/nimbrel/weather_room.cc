@@ -61,7 +61,8 @@ class LongestRun {
 WeatherRoom::WeatherRoom(const Plan& plan, const Weather& weather, std::int32_t first,
                          std::int32_t last)
     : plan_(plan), first_(first), last_(std::max(first, last)) {
-  const auto count = static_cast<std::size_t>(last_ - first_ + 1);
+  const std::int32_t days_between = last_ - first_ + 1;
+  const auto count = static_cast<std::size_t>(days_between);
   for (const CalendarDefinition& calendar : plan.calendars) {
     Days& days = days_[calendar.uid];
     days.blocked.assign(count, false);
