@@ -1,0 +1,169 @@
+#include "tests/tools/gesture_tool.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <sstream>
+#include <utility>
+
+#include "desktop/mod_tool_box.h"
+#include "dialog/desktop_file_dialog.h"
+#include "dialog/frm_weather.h"
+#include "engine/objects/host.h"
+#include "host/cls_nimbrel.h"
+#include "host/mod_global.h"
+#include "nimbrel/command_error.h"
+#include "nimbrel/plan_document.h"
+#include "nimbrel/wiring.h"
+#include "platform/locale.h"
+#include "tests/support/gestures/gesture_player.h"
+#include "tests/support/gestures/gesture_script.h"
+#include "tests/tools/faces.h"
+
+namespace nimbrel::gestures {
+namespace {
+
+using cli::BadCommandLine;
+using cli::FileTrouble;
+
+struct Command {
+  std::string face = Faces().front().name;
+  const platform::Locale* locale = &platform::DefaultLocale();
+  std::string plan;
+  std::string script;
+};
+
+constexpr const char* kUsage = "expected [--face plain|qt|win32] [--locale NAME] PLAN.nplan SCRIPT";
+
+const platform::Locale* LocaleOf(const std::string& name) {
+  const platform::Locale* const locale = platform::FindLocale(name);
+  if (locale == nullptr) {
+    std::string known;
+    for (const platform::Locale& one : platform::KnownLocales()) {
+      known += (known.empty() ? "" : ", ") + one.name;
+    }
+    throw BadCommandLine("expected a locale, one of " + known + ", found " + name);
+  }
+  return locale;
+}
+
+Command ReadCommandLine(const std::vector<std::string>& arguments) {
+  Command command;
+  std::vector<std::string> files;
+  for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+    const bool is_option = *argument == "--face" || *argument == "--locale";
+    if (!is_option) {
+      if (argument->starts_with("--")) {
+        throw BadCommandLine(std::string(kUsage) + ", found " + *argument);
+      }
+      files.push_back(*argument);
+      continue;
+    }
+    const std::string& option = *argument;
+    if (++argument == arguments.end()) {
+      throw BadCommandLine("expected a name behind " + option);
+    }
+    if (option == "--face") {
+      command.face = *argument;
+    } else {
+      command.locale = LocaleOf(*argument);
+    }
+  }
+  if (files.size() != 2) {
+    throw BadCommandLine(kUsage);
+  }
+  command.plan = files[0];
+  command.script = files[1];
+  return command;
+}
+
+std::unique_ptr<Hands> MakeHands(const std::string& name) {
+  const std::vector<Face>& faces = Faces();
+  const auto face = std::find_if(faces.begin(), faces.end(),
+                                 [&name](const Face& one) { return one.name == name; });
+  if (face == faces.end()) {
+    throw BadCommandLine("there is no face " + name);
+  }
+  if (face->make_hands == nullptr) {
+    throw BadCommandLine("the face " + name + " is not built into this program");
+  }
+  return face->make_hands();
+}
+
+std::string ReadText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  if (!file) {
+    throw FileTrouble(path + ": cannot be read");
+  }
+  return text.str();
+}
+
+/// Nobody reads the help here.
+class NoHelp final : public platform::HelpWindow {
+ public:
+  void HtmlHelp(std::int32_t /*owner*/, const std::string& /*file*/, std::int32_t /*command*/,
+                std::int32_t /*data*/) override {}
+};
+
+/// Makes the host the add-in's application, and the desktop that of its services, for as long as it
+/// lives.
+class Wired {
+ public:
+  Wired(engine::Host& host, toolkit::Desktop& desktop, const platform::Locale& locale)
+      : file_dialog_(desktop) {
+    modGlobal::Wire({[&host] { return platform::Ref<Corvane8::Application>(&host); }, locale});
+    modToolBox::Services services;
+    services.file_dialog = &file_dialog_;
+    services.help = &help_;
+    services.message_box = &desktop;
+    modToolBox::Wire(services);
+  }
+  ~Wired() {
+    modToolBox::Wire({});
+    modGlobal::Wire({});
+  }
+  Wired(const Wired&) = delete;
+  Wired& operator=(const Wired&) = delete;
+
+ private:
+  dialog::DesktopFileDialog file_dialog_;
+  NoHelp help_;
+};
+
+void Play(const Command& command, std::ostream& out) {
+  std::unique_ptr<Hands> hands = MakeHands(command.face);
+  std::vector<Gesture> script = ParseScript(ReadText(command.script), command.script);
+  const auto host =
+      engine::MakeHost(cli::OpenPlanToChange(command.plan).plan, cli::MakeHostOptions());
+  GesturePlayer player(std::move(script), *hands, out);
+  {
+    const Wired wired(*host, player, *command.locale);
+    host::Seams seams;
+    seams.message_box = &player;
+    seams.ShowWeatherDialog = [&player] { dialog::ShowWeatherDialog(player, {}); };
+    const auto entry = platform::MakeRef<host::clsNimbrel>(std::move(seams));
+    player.Play([&entry] { entry->Main(); });
+  }
+  cli::SaveDocument(host->document(), command.plan);
+}
+
+}  // namespace
+
+int RunGestureTool(const std::vector<std::string>& arguments, std::ostream& out,
+                   std::ostream& err) {
+  try {
+    Play(ReadCommandLine(arguments), out);
+    return static_cast<int>(cli::ExitCode::kDone);
+  } catch (const cli::CommandError& error) {
+    err << "nimbrel-gestures: " << error.what() << '\n';
+    return static_cast<int>(error.code());
+  } catch (const ScriptError& error) {
+    err << "nimbrel-gestures: " << error.what() << '\n';
+    return static_cast<int>(cli::ExitCode::kBadCommandLine);
+  }
+}
+
+}  // namespace nimbrel::gestures
