@@ -160,6 +160,14 @@ GestureResult ListBox::UserDoubleClick(std::int32_t index) {
   });
 }
 
+GestureResult ListBox::UserClickAgain(std::int32_t index) {
+  return Gesture(WhyNoEntry(index), [this, index] {
+    if (HasFocus() && index == ListIndex()) {
+      Raise(DblClick, "DblClick");
+    }
+  });
+}
+
 bool ListBox::OnKey(Key key) {
   const std::optional<std::int32_t> index = IndexByKey(key, ListIndex(), ListCount());
   if (index && *index < ListCount()) {

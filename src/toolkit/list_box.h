@@ -81,6 +81,9 @@ class ListBox final : public Control {
   /// A click on an entry, from 0, or two.
   GestureResult UserPick(std::int32_t index);
   GestureResult UserDoubleClick(std::int32_t index);
+  /// The second of two clicks alone, for faces, which get them one by one: raises DblClick if the
+  /// first one was made, which left the focus here and the entry selected.
+  GestureResult UserClickAgain(std::int32_t index);
 
  protected:
   bool OnKey(Key key) override;

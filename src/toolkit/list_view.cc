@@ -218,6 +218,14 @@ GestureResult ListView::UserDoubleClickRow(std::int32_t index) {
   });
 }
 
+GestureResult ListView::UserClickRowAgain(std::int32_t index) {
+  return Gesture(WhyNoRow(index), [this, index] {
+    if (HasFocus() && items_.Item(index) == selected_) {
+      Raise(DblClick, "DblClick");
+    }
+  });
+}
+
 GestureResult ListView::UserToggleCheck(std::int32_t index) {
   return OnRow(index, WhyNoCheck(index), [this](const ListItemRef& item) { ToggleCheck(item); });
 }

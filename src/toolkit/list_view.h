@@ -147,6 +147,9 @@ class ListView final : public Control {
   /// A click on row `index`, from 1, or two clicks.
   GestureResult UserClickRow(std::int32_t index);
   GestureResult UserDoubleClickRow(std::int32_t index);
+  /// The second of two clicks alone, for faces, which get them one by one: raises DblClick if the
+  /// first one was made, which left the focus here and the row selected.
+  GestureResult UserClickRowAgain(std::int32_t index);
   /// A click on the header of column `index`, from 1, hidden ones counted.
   GestureResult UserClickHeader(std::int32_t index);
   /// A click on the check box of row `index`, from 1.

@@ -132,6 +132,20 @@ TEST_F(GesturesTest, TwoClicksOnAnEntryPickItFirst) {
   EXPECT_EQ(log(), (Lines{"lst Change", "lst DblClick"}));
 }
 
+TEST_F(GesturesTest, ASecondClickCountsWhereTheFirstWasMade) {
+  list_.AddItem("North");
+  list_.AddItem("South");
+  list_.DblClick = Heard();
+  WhileOpen([&] {
+    list_.UserClickAgain(0);
+    list_.UserPick(0);
+    list_.UserClickAgain(1);
+    EXPECT_EQ(log(), Lines{});
+    list_.UserClickAgain(0);
+  });
+  EXPECT_EQ(log(), Lines{"lst DblClick"});
+}
+
 TEST_F(GesturesTest, ATypedTextPicksItsEntryWhenItIsWhole) {
   combo_.AddItem("Standard");
   std::vector<std::int32_t> indexes;

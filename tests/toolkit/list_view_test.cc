@@ -193,6 +193,18 @@ TEST_F(ListViewTest, ADoubleClickComesAfterTheClickOfTheRow) {
   EXPECT_EQ(log(), (Lines{"lst ItemClick a", "lst DblClick"}));
 }
 
+TEST_F(ListViewTest, ASecondClickCountsWhereTheFirstWasMade) {
+  AddRow("a", "");
+  AddRow("b", "");
+  WhileOpen([&] {
+    rows_.UserClickRowAgain(1);
+    rows_.UserClickRow(1);
+    rows_.UserClickRowAgain(2);
+    rows_.UserClickRowAgain(1);
+  });
+  EXPECT_EQ(log(), (Lines{"lst ItemClick a", "lst DblClick"}));
+}
+
 TEST_F(ListViewTest, TheArrowKeysSelectRowsAndStopAtTheEnds) {
   AddRow("a", "");
   AddRow("b", "");
