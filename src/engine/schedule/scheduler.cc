@@ -220,6 +220,10 @@ bool Scheduler::HasWorkOn(TaskIndex task, std::int32_t day) const {
          network.tables[network.nodes[slot].table].IsWorked(day);
 }
 
+Network& Scheduler::network() const {
+  return compiled_->network;
+}
+
 Instant Scheduler::NextWorkStart(TaskIndex task, std::int32_t day) const {
   const Network& network = compiled_->network;
   const Slot slot = compiled_->SlotOf(task);

@@ -24,6 +24,8 @@ using TaskIndex = std::int32_t;
 /// Position of a calendar in Plan::calendars.
 using CalendarIndex = std::int32_t;
 
+struct Network;
+
 /// Schedules one plan, again and again: forward pass, backward pass, and what changed only.
 ///
 /// The plan is compiled once, into flat arrays in topological order; a change of its structure
@@ -113,6 +115,10 @@ class Scheduler {
   /// The start of the task's working time on the first day from `day` on that has any. Raises
   /// SchedulingError where there is none within what calendars cover.
   Instant NextWorkStart(TaskIndex task, std::int32_t day) const;
+
+  /// The compiled plan with the state of its passes, for what is told of a schedule beyond its dates
+  /// (see telling.h). Nothing of it is to be changed but by reading: tables grow when they are read.
+  Network& network() const;
 
  private:
   struct Compiled;

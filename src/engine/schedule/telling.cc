@@ -1,0 +1,109 @@
+#include "engine/schedule/telling.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "engine/schedule/forward.h"
+
+namespace nimbrel::engine {
+namespace {
+
+/// The slots at which the paths to a target end.
+template <class Visit>
+void VisitEnds(Network& network, TaskIndex target, const Visit& visit) {
+  if (target >= 0) {
+    if (const Slot slot = network.slot_of[static_cast<std::size_t>(target)]; network.IsOpen(slot)) {
+      visit(slot);
+    }
+    return;
+  }
+  const std::int32_t finish = FinishOfPlan(network).packed();
+  for (Slot slot = 0; slot < network.open_count; ++slot) {
+    if (network.early[static_cast<std::size_t>(FinishOf(slot))] == finish) {
+      visit(slot);
+    }
+  }
+}
+
+}  // namespace
+
+void ScheduleTelling::DrivingPath(const Scheduler& scheduler, TaskIndex target,
+                                  std::vector<TaskIndex>& path) {
+  Network& network = scheduler.network();
+  marked_.resize(network.dirty.size());
+  const auto mark = [this](Slot slot) {
+    marked_[static_cast<std::size_t>(slot >> 6)] |= std::uint64_t{1} << (slot & 63);
+  };
+  VisitEnds(network, target, mark);
+  path.clear();
+  // Predecessors come earlier in the order, so that one sweep back meets each task once.
+  for (std::size_t word = marked_.size(); word-- > 0;) {
+    while (marked_[word] != 0) {
+      const int bit = 63 - std::countl_zero(marked_[word]);
+      const Slot slot = static_cast<Slot>(word) * 64 + bit;
+      marked_[word] &= ~(std::uint64_t{1} << bit);
+      path.push_back(network.index_at[static_cast<std::size_t>(slot)]);
+      for (const InLink& link : network.in_links[slot]) {
+        if (IsDriving(network, slot, link)) {
+          mark(link.predecessor());
+        }
+      }
+    }
+  }
+}
+
+std::vector<TaskIndex> ScheduleTelling::OneDrivingPath(const Scheduler& scheduler,
+                                                       TaskIndex target) const {
+  Network& network = scheduler.network();
+  TaskIndex last = -1;
+  VisitEnds(network, target, [&](Slot slot) {
+    const TaskIndex task = network.index_at[static_cast<std::size_t>(slot)];
+    last = last < 0 ? task : std::min(last, task);
+  });
+  std::vector<TaskIndex> path;
+  while (last >= 0) {
+    path.push_back(last);
+    const Slot slot = network.slot_of[static_cast<std::size_t>(last)];
+    last = -1;
+    for (const InLink& link : network.in_links[slot]) {
+      if (IsDriving(network, slot, link)) {
+        last = network.index_at[static_cast<std::size_t>(link.predecessor())];
+        break;
+      }
+    }
+  }
+  std::reverse(path.begin(), path.end());
+  return path;
+}
+
+Instant ReadyMoment(const Scheduler& scheduler, TaskIndex task) {
+  Network& network = scheduler.network();
+  const Slot slot = network.slot_of[static_cast<std::size_t>(task)];
+  if (!network.IsOpen(slot)) {
+    return {};
+  }
+  const Node& node = network.nodes[static_cast<std::size_t>(slot)];
+  std::int32_t bound = node.floor;
+  if (!node.is_mandatory) {
+    for (const InLink& link : network.in_links[slot]) {
+      if (!link.to_finish) {
+        bound = std::max(
+            bound, LagEnd(network, network.early[static_cast<std::size_t>(link.date)], link.lag));
+      }
+    }
+  }
+  const Instant start = Instant::FromPacked(network.early[static_cast<std::size_t>(StartOf(slot))]);
+  const Instant ready = Instant::FromPacked(bound);
+  WorkTable& table = network.TableOf(slot);
+  return bound != kNoFloor && ready < start && table.Position(ready) == table.Position(start)
+             ? ready
+             : start;
+}
+
+const std::vector<CalendarIndex>& CalendarsOf(const Scheduler& scheduler, TaskIndex task) {
+  const Network& network = scheduler.network();
+  const Slot slot = network.slot_of[static_cast<std::size_t>(task)];
+  return network.table_calendars[network.facts[static_cast<std::size_t>(slot)].table];
+}
+
+}  // namespace nimbrel::engine

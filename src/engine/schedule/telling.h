@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "engine/schedule/network.h"
+#include "engine/schedule/scheduler.h"
+
+namespace nimbrel::engine {
+
+/// What is told of a forward pass beyond its dates. Keeps working memory from call to call.
+class ScheduleTelling {
+ public:
+  /// The unfinished tasks on a driving path to a task's finish, from the last one back to the
+  /// first: `path` is replaced. A target of -1 is the plan's finish, and all tasks that end with it
+  /// are on the path. A finished task, a summary and a level of effort have no path.
+  void DrivingPath(const Scheduler& scheduler, TaskIndex target, std::vector<TaskIndex>& path);
+
+  /// One driving path to a target, first task first: behind each task the predecessor that drives
+  /// it and comes first in the plan's order of links.
+  std::vector<TaskIndex> OneDrivingPath(const Scheduler& scheduler, TaskIndex target) const;
+
+ private:
+  std::vector<std::uint64_t> marked_;  // by slot; all 0 between calls
+};
+
+/// The moment from which an unfinished task only waits for working time: links and constraints let
+/// it start from here on. Where they hold its finish, so that it starts later, its early start.
+/// Absent for tasks that are finished, summaries and levels of effort.
+Instant ReadyMoment(const Scheduler& scheduler, TaskIndex task);
+
+/// The calendars of a task's working time: its own first, then those behind its risk calendars.
+const std::vector<CalendarIndex>& CalendarsOf(const Scheduler& scheduler, TaskIndex task);
+
+}  // namespace nimbrel::engine
