@@ -1,0 +1,272 @@
+#include "toolkit/qt/form_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QScreen>
+#include <QScrollArea>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <limits>
+
+#include "toolkit/qt/faces.h"
+#include "toolkit/qt/qt_text.h"
+#include "toolkit/qt/twips_layout.h"
+
+namespace nimbrel::toolkit::qt {
+namespace {
+
+/// What is left above the first control of a frame or page, in twips, below its caption or tab.
+constexpr int kRoomBelowCaption = 120;
+/// The share of the screen that a window takes at the most.
+constexpr double kShareOfScreen = 0.95;
+
+/// The distance from a label to a control that it stands above or to the left of, in twips; nothing
+/// for a label that stands elsewhere.
+std::optional<int> DistanceFrom(const Place& label, const Place& place) {
+  const bool above = label.top < place.top && label.left < place.left + place.width &&
+                     place.left < label.left + label.width;
+  const bool beside = label.left < place.left && label.top < place.top + place.height &&
+                      place.top < label.top + label.height;
+  if (above) {
+    return std::max(place.top - label.top - label.height, 0);
+  }
+  return beside ? std::optional(std::max(place.left - label.left - label.width, 0)) : std::nullopt;
+}
+
+bool HasOwnCaption(const Control& control) {
+  switch (control.Kind()) {
+    case ControlKind::kCommandButton:
+    case ControlKind::kCheckBox:
+    case ControlKind::kLabel:
+    case ControlKind::kFrame:
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// What a screen reader calls a control: the name that it was given, the label next to it, or the
+/// frame that it stands in. Empty for one that shows its own caption.
+std::string AccessibleNameOf(const Control& control) {
+  if (!control.AccessibleName().empty() || HasOwnCaption(control)) {
+    return control.AccessibleName();
+  }
+  const Label* nearest = nullptr;
+  int distance = std::numeric_limits<int>::max();
+  for (const Control* const other : control.Parent().Controls()) {
+    const auto* const label = dynamic_cast<const Label*>(other);
+    if (label == nullptr) {
+      continue;
+    }
+    const std::optional<int> apart = DistanceFrom(label->GetPlace(), control.GetPlace());
+    if (apart && *apart < distance) {
+      nearest = label;
+      distance = *apart;
+    }
+  }
+  if (nearest != nullptr) {
+    return nearest->Caption();
+  }
+  const auto* const frame = dynamic_cast<const Frame*>(&control.Parent());
+  return frame == nullptr ? std::string() : frame->Caption();
+}
+
+std::unique_ptr<ControlFace> MakeFace(Control& control, FaceHost& host, QWidget& pane) {
+  switch (control.Kind()) {
+    case ControlKind::kCommandButton:
+      return MakeButtonFace(static_cast<CommandButton&>(control), host, pane);
+    case ControlKind::kCheckBox:
+      return MakeCheckBoxFace(static_cast<CheckBox&>(control), host, pane);
+    case ControlKind::kTextBox:
+      return MakeTextBoxFace(static_cast<TextBox&>(control), host, pane);
+    case ControlKind::kComboBox:
+      return MakeComboBoxFace(static_cast<ComboBox&>(control), host, pane);
+    case ControlKind::kListBox:
+      return MakeListBoxFace(static_cast<ListBox&>(control), host, pane);
+    case ControlKind::kLabel:
+      return MakeLabelFace(static_cast<Label&>(control), host, pane);
+    case ControlKind::kFrame:
+      return MakeFrameFace(static_cast<Frame&>(control), host, pane);
+    case ControlKind::kTabStrip:
+      return MakeTabStripFace(static_cast<TabStrip&>(control), host, pane);
+    case ControlKind::kListView:
+      return MakeListViewFace(static_cast<ListView&>(control), host, pane);
+    case ControlKind::kTreeView:
+      return MakeTreeViewFace(static_cast<TreeView&>(control), host, pane);
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+FormWindow::FormWindow(Form& form, QWidget* parent)
+    : QDialog(parent), form_(form), area_(*new QScrollArea(this)) {
+  setWindowModality(Qt::ApplicationModal);
+  setAttribute(Qt::WA_QuitOnClose, false);
+  setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+  setSizeGripEnabled(false);
+  area_.setWidgetResizable(true);
+  area_.setFrameShape(QFrame::NoFrame);
+  area_.setFocusPolicy(Qt::NoFocus);
+  auto* const pane = new QWidget;
+  FillPane(form, *pane, form.Width(), form.Height(), true);
+  area_.setWidget(pane);
+  auto* const around = new QVBoxLayout(this);
+  around->setContentsMargins(0, 0, 0, 0);
+  around->addWidget(&area_);
+  form_.SetObserver(this);
+  Flush();
+  FitToScreen();
+}
+
+FormWindow::~FormWindow() {
+  form_.SetObserver(nullptr);
+}
+
+bool FormWindow::FillPane(const Container& container, QWidget& pane, int width, int height,
+                          bool whole) {
+  int top = height;
+  for (const Control* const control : container.Controls()) {
+    top = std::min(top, control->Top());
+  }
+  // A frame's caption, and the tabs above a page, take the room that they need.
+  top = whole ? 0 : std::max(top - kRoomBelowCaption, 0);
+  auto& layout = *new TwipsLayout(pane, {width, top, height});
+  bool stretches = false;
+  for (Control* const control : container.Controls()) {
+    stretches = AddFace(*control, pane, layout) || stretches;
+  }
+  return stretches;
+}
+
+bool FormWindow::AddFace(Control& control, QWidget& pane, TwipsLayout& layout) {
+  std::unique_ptr<ControlFace> made = MakeFace(control, *this, pane);
+  ControlFace& face = *made;
+  QWidget& widget = face.Widget();
+  widget.setObjectName(ToQt(control.Name()));
+  face.FocusWidget().setAccessibleName(ToQt(AccessibleNameOf(control)));
+  faces_.emplace(&control, Entry{std::move(made), Changes::All()});
+  bool stretches = false;
+  if (auto* const frame = dynamic_cast<Frame*>(&control); frame != nullptr) {
+    QWidget& inside = static_cast<ContainerFace&>(face).Pane(0);
+    stretches = FillPane(*frame, inside, control.Width(), control.Height(), false);
+  }
+  if (auto* const strip = dynamic_cast<TabStrip*>(&control); strip != nullptr) {
+    for (std::int32_t page = 0; page < strip->Tabs(); ++page) {
+      QWidget& inside = static_cast<ContainerFace&>(face).Pane(page);
+      stretches = FillPane(strip->Page(page), inside, control.Width(), control.Height(), false) ||
+                  stretches;
+    }
+  }
+  if (stretches) {
+    static_cast<ContainerFace&>(face).SetStretches();
+  }
+  layout.Add(face);
+  return face.Stretches();
+}
+
+void FormWindow::OnControlChanged(Control& control, Property property) {
+  if (const auto found = faces_.find(&control); found != faces_.end()) {
+    found->second.changes.Add(property);
+    ScheduleFlush();
+  }
+}
+
+void FormWindow::OnFormChanged() {
+  ScheduleFlush();
+  if (!form_.Visible() && OnFormHidden) {
+    OnFormHidden();
+  }
+}
+
+void FormWindow::ScheduleFlush() {
+  if (!flush_is_due_) {
+    flush_is_due_ = true;
+    QTimer::singleShot(0, this, [this] { Flush(); });
+  }
+}
+
+void FormWindow::Flush() {
+  flush_is_due_ = false;
+  setWindowTitle(ToQt(form_.Caption()));
+  bool moved = false;
+  for (auto& [control, entry] : faces_) {
+    const Changes changes = std::exchange(entry.changes, Changes());
+    if (changes.Any()) {
+      entry.face->Refresh(changes);
+      moved = moved || changes.Has(Property::kPlace) || changes.Has(Property::kVisible);
+    }
+  }
+  if (moved) {
+    area_.widget()->layout()->invalidate();
+  }
+  PlaceFocus();
+}
+
+void FormWindow::PlaceFocus() {
+  const Control* const active = form_.ActiveControl();
+  QWidget* const target = active == nullptr ? this : FocusWidgetOf(*active);
+  if (target != nullptr && target != focusWidget() && form_.Visible()) {
+    target->setFocus(Qt::OtherFocusReason);
+    if (target != this) {
+      area_.ensureWidgetVisible(target);
+    }
+  }
+}
+
+void FormWindow::AfterGesture() {
+  Flush();
+}
+
+QWidget* FormWindow::WidgetOf(const Control& control) const {
+  const auto found = faces_.find(&control);
+  return found == faces_.end() ? nullptr : &found->second.face->Widget();
+}
+
+QWidget* FormWindow::FocusWidgetOf(const Control& control) const {
+  const auto found = faces_.find(&control);
+  return found == faces_.end() ? nullptr : &found->second.face->FocusWidget();
+}
+
+void FormWindow::BringIntoView(const QWidget& widget, const QPoint& place) {
+  const QPoint on_pane = widget.mapTo(area_.widget(), place);
+  area_.ensureVisible(on_pane.x(), on_pane.y());
+}
+
+void FormWindow::FitToScreen() {
+  const QSize room = screen()->availableGeometry().size() * kShareOfScreen;
+  setMinimumSize(area_.widget()->minimumSizeHint().boundedTo(room));
+  resize(area_.widget()->sizeHint().boundedTo(room).expandedTo(minimumSize()));
+}
+
+void FormWindow::reject() {
+  form_.UserClose();
+  Flush();
+}
+
+void FormWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  reject();
+}
+
+void FormWindow::keyPressEvent(QKeyEvent* event) {
+  const std::optional<Key> key = KeyOf(*event);
+  if (key && form_.ActiveControl() == nullptr) {
+    form_.UserKey(*key, (event->modifiers() & Qt::ShiftModifier) != 0);
+    Flush();
+  }
+}
+
+bool FormWindow::event(QEvent* event) {
+  const bool done = QDialog::event(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+    for (auto& [control, entry] : faces_) {
+      entry.face->Refresh(Changes::All());
+    }
+    FitToScreen();
+  }
+  return done;
+}
+
+}  // namespace nimbrel::toolkit::qt
