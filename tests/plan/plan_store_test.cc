@@ -223,7 +223,8 @@ INSTANTIATE_TEST_SUITE_P(
                "0 recalculate_after_move, 0 progress_rule, 1 float_rule, "
                "1 remaining_from_data_date, 1 lag_from_early_start, "
                "'' must_finish, 0 critical_float_minutes, "
-               "0 critical_by_longest_path, 0 open_ends_critical",
+               "0 critical_by_longest_path, 0 open_ends_critical, "
+               "0 no_later_holds_early",
                "table plan, row 1, name: expected a text, found 5"},
         Damage{"WholeForReal", "UPDATE tasks SET percent_complete = 3",
                "table tasks, row 1, percent_complete: expected a real number, found 3"},

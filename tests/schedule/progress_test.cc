@@ -102,18 +102,84 @@ TEST_F(Progress, RetainedLogicHoldsWhatRemainsForPredecessors) {
 }
 
 TEST_F(Progress, OverrideLetsWhatRemainGoAheadOfPredecessors) {
-  for (const ProgressRule rule : {ProgressRule::kProgressOverride, ProgressRule::kActualDates}) {
-    SmallPlan copy = small;
-    small.plan.schedule.progress = rule;
-    small.Add("A", 3);
-    AddStarted("B", 2);
-    small.Join("A", "B");
-    const Scheduled scheduled(small);
-    EXPECT_EQ(scheduled.Early("B"), "2027-03-08T08:00 to 2027-03-09T17:00");
-    EXPECT_EQ(scheduled.Late("A"), "2027-03-08T08:00 to 2027-03-10T17:00");
-    EXPECT_THAT(scheduled.Breaches(), IsEmpty());
-    small = copy;
-  }
+  small.plan.schedule.progress = ProgressRule::kProgressOverride;
+  small.Add("A", 3);
+  AddStarted("B", 2);
+  small.Join("A", "B");
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-08T08:00 to 2027-03-09T17:00");
+  EXPECT_EQ(scheduled.Late("A"), "2027-03-08T08:00 to 2027-03-10T17:00");
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
+TEST_F(Progress, ActualDatesLetWhatRemainsGoAheadAndLimitLateDates) {
+  small.plan.schedule.progress = ProgressRule::kActualDates;
+  small.Add("A", 3);
+  AddStarted("B", 2);  // on Tuesday the 2nd
+  small.Join("A", "B");
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-08T08:00 to 2027-03-09T17:00");
+  // A should have finished on Monday the 1st for B to start when it did: seven days before it does.
+  EXPECT_EQ(scheduled.Late("A"), "2027-02-25T08:00 to 2027-03-01T17:00");
+  EXPECT_EQ(scheduled.TotalFloatDays("A"), -7);
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
+TEST_F(Progress, ActualDatesLimitLateDatesBySuccessorsThatAreDone) {
+  small.plan.schedule.progress = ProgressRule::kActualDates;
+  small.Add("A", 3);
+  AddFinished("B");  // on Wednesday the 3rd
+  small.Join("A", "B", LinkType::kFinishToFinish, 1);
+  // One day before that is Tuesday evening, six days before A's Wednesday the 10th.
+  EXPECT_EQ(Scheduled(small).TotalFloatDays("A"), -6);
+}
+
+TEST_F(Progress, AnExpectedFinishSetsWhatRemains) {
+  AddStarted("A", 2).expected_finish = {kMonday + 11, 1020};  // Friday the 12th: five days
+  small.Add("B", 1);
+  small.Join("A", "B");
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("A"), "2027-03-08T08:00 to 2027-03-12T17:00");
+  EXPECT_EQ(scheduled.Late("A"), "2027-03-08T08:00 to 2027-03-12T17:00");
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-15T08:00 to 2027-03-15T17:00");
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
+TEST_F(Progress, AnExpectedFinishThatHasPassedLeavesWhatRemains) {
+  AddStarted("A", 2).expected_finish = {kMonday + 4, 1020};
+  EXPECT_EQ(Scheduled(small).Early("A"), "2027-03-08T08:00 to 2027-03-09T17:00");
+}
+
+TEST_F(Progress, ARangeGoesBeforeAnExpectedFinish) {
+  Task& task = AddStarted("A", 2);
+  task.expected_finish = {kMonday + 11, 1020};
+  task.range = {1, 3, 4, engine::Shape::kTriangular};
+  EXPECT_EQ(Scheduled(small).Early("A"), "2027-03-08T08:00 to 2027-03-10T17:00");
+}
+
+TEST_F(Progress, APlanWhoseDataDateHoldsNothingStartsWorkAtItsOwnStart) {
+  small.plan.schedule.remaining_from_data_date = false;
+  small.Add("A", 1);
+  AddStarted("B", 3).original_minutes = 5 * SmallPlan::kDay;  // two days done from Tuesday on
+  AddStarted("C", 1).resumed = {kMonday + 9, 480};
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("A"), "2027-03-01T08:00 to 2027-03-01T17:00");
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-04T08:00 to 2027-03-08T17:00");
+  EXPECT_EQ(scheduled.Early("C"), "2027-03-10T08:00 to 2027-03-10T17:00");
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
+TEST_F(Progress, APlanWhoseDataDateHoldsNothingIsDrivenByWhatIsFinished) {
+  small.plan.schedule.remaining_from_data_date = false;
+  AddFinished("A");  // from Monday the 1st to Wednesday the 3rd
+  small.Add("B", 1);
+  small.Add("C", 1);
+  small.Join("A", "B", LinkType::kFinishToStart, 5);
+  small.Join("A", "C", LinkType::kStartToStart, 1);
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-11T08:00 to 2027-03-11T17:00");
+  EXPECT_EQ(scheduled.Early("C"), "2027-03-02T08:00 to 2027-03-02T17:00");
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
 }
 
 TEST_F(Progress, AStartConstraintHoldsWhatRemainsOfAStartedTask) {

@@ -33,11 +33,8 @@ void ExpectAgreement(const Plan& plan) {
     RC_ASSERT(scheduler.early_start(index).Minutes() == naive.Early(task.uid).start);
     RC_ASSERT(scheduler.early_finish(index).Minutes() == naive.Early(task.uid).finish);
     if (!task.IsFinished()) {
-      const bool has_work = task.kind == engine::TaskKind::kTask && plan.LikelyMinutes(task) > 0;
-      if (has_work) {
-        RC_ASSERT(scheduler.late_start(index).Minutes() == naive.Late(task.uid).start);
-        RC_ASSERT(scheduler.late_finish(index).Minutes() == naive.Late(task.uid).finish);
-      }
+      RC_ASSERT(scheduler.late_start(index).Minutes() == naive.Late(task.uid).start);
+      RC_ASSERT(scheduler.late_finish(index).Minutes() == naive.Late(task.uid).finish);
       RC_ASSERT(scheduler.total_float(index) == naive.TotalFloat(task.uid));
       RC_ASSERT(scheduler.free_float(index) == naive.FreeFloat(task.uid));
     }
@@ -67,9 +64,16 @@ TEST(RandomPlans, WithRiskCalendarsAgreeWithTheNaiveScheduler) {
   ExpectAgreementOfRandomPlans({.with_risk_calendars = true});
 }
 
+TEST(RandomPlans, WithRulesThatFewPlansHaveAgreeWithTheNaiveScheduler) {
+  ExpectAgreementOfRandomPlans({.with_rules = true});
+  ExpectAgreementOfRandomPlans({.with_progress = true, .with_rules = true});
+}
+
 TEST(RandomPlans, WithEverythingAgreeWithTheNaiveScheduler) {
-  ExpectAgreementOfRandomPlans(
-      {.with_constraints = true, .with_progress = true, .with_risk_calendars = true});
+  ExpectAgreementOfRandomPlans({.with_constraints = true,
+                                .with_progress = true,
+                                .with_risk_calendars = true,
+                                .with_rules = true});
 }
 
 }  // namespace

@@ -178,7 +178,10 @@ struct CustomField {
   friend bool operator==(const CustomField&, const CustomField&) = default;
 };
 
-/// How what is left of a started task treats predecessors that are not finished.
+/// How what is left of a started task treats predecessors that are not finished. Retained logic: it
+/// waits for them. Progress override: it goes ahead, and they have float as if there was no link.
+/// Actual dates: it goes ahead, and the dates at which it has started or finished limit the late
+/// dates of its predecessors.
 enum class ProgressRule : std::int32_t {
   kRetainedLogic = 0,
   kProgressOverride = 1,
@@ -191,7 +194,8 @@ struct ScheduleOptions {
   ProgressRule progress = ProgressRule::kRetainedLogic;
   FloatRule total_float = FloatRule::kFinish;
   /// Whether what remains waits for the data date, and completed tasks drive nothing past it.
-  /// False: work not started may lie before the data date, completed tasks drive by their actual
+  /// False: work not started waits for the plan's start only, what remains of started work goes on
+  /// where it is resumed or where the work done ends, and completed tasks drive by their actual
   /// dates.
   bool remaining_from_data_date = true;
   bool lag_from_early_start = true;  // of a started predecessor; false: from its actual start
@@ -199,6 +203,9 @@ struct ScheduleOptions {
   std::int32_t critical_float_minutes = 0;  // at most so much float is critical
   bool critical_by_longest_path = false;  // critical is what drives the finish, whatever its float
   bool open_ends_critical = false;        // a task without successors has no float
+  /// Whether a primary constraint to start or finish no later holds the early dates as well,
+  /// against the links.
+  bool no_later_holds_early = false;
   friend bool operator==(const ScheduleOptions&, const ScheduleOptions&) = default;
 };
 

@@ -10,7 +10,7 @@ namespace nimbrel::engine {
 /// "NPLN": tells a plan file from other SQLite files.
 inline constexpr std::int64_t kPlanApplicationId = 0x4E504C4E;
 /// Of the tables below; kept as the file's user_version.
-inline constexpr std::int64_t kPlanSchemaVersion = 1;
+inline constexpr std::int64_t kPlanSchemaVersion = 2;
 
 /// Makes the tables of a plan file, in place of those that are there. Raises SqliteError.
 void CreatePlanTables(SqliteDatabase& database);

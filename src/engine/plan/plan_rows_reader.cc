@@ -127,7 +127,7 @@ void ReadProperties(const SqliteDatabase& database, Plan& plan) {
             "next_uid, name, title, start, data_date, time_unit, hours_per_day, date_format, "
             "default_calendar, recalculate_after_move, progress_rule, float_rule, "
             "remaining_from_data_date, lag_from_early_start, must_finish, critical_float_minutes, "
-            "critical_by_longest_path, open_ends_critical",
+            "critical_by_longest_path, open_ends_critical, no_later_holds_early",
             "id");
   if (!rows.Next()) {
     throw UnexpectedValue("table plan: expected one row, found none");
@@ -150,6 +150,7 @@ void ReadProperties(const SqliteDatabase& database, Plan& plan) {
   plan.schedule.critical_float_minutes = rows.Integer();
   plan.schedule.critical_by_longest_path = rows.Boolean();
   plan.schedule.open_ends_critical = rows.Boolean();
+  plan.schedule.no_later_holds_early = rows.Boolean();
 
   Rows options(database, "options", "section, option_group, key, value",
                "section, option_group, key");

@@ -105,7 +105,7 @@ void WriteRiskCalendars(const SqliteDatabase& database, const Plan& plan) {
 }
 
 void WriteProperties(const SqliteDatabase& database, const Plan& plan) {
-  Row row(database, "plan", 19);
+  Row row(database, "plan", 20);
   row.Integer(1).Text(plan.name).Text(plan.title).Date(plan.start).Date(plan.data_date);
   row.Code(plan.time_unit).Integer(plan.hours_per_day).Integer(plan.date_format);
   row.Reference(plan.default_calendar).Integer(plan.recalculate_after_move ? 1 : 0);
@@ -115,7 +115,8 @@ void WriteProperties(const SqliteDatabase& database, const Plan& plan) {
   row.Integer(schedule.lag_from_early_start ? 1 : 0).Date(schedule.must_finish);
   row.Integer(schedule.critical_float_minutes);
   row.Integer(schedule.critical_by_longest_path ? 1 : 0);
-  row.Integer(schedule.open_ends_critical ? 1 : 0).Integer(plan.next_uid()).Put();
+  row.Integer(schedule.open_ends_critical ? 1 : 0);
+  row.Integer(schedule.no_later_holds_early ? 1 : 0).Integer(plan.next_uid()).Put();
 
   Row options(database, "options", 4);
   for (const auto& [key, value] : plan.options) {

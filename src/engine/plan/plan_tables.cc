@@ -105,6 +105,7 @@ CREATE TABLE plan (
   critical_float_minutes INTEGER NOT NULL,
   critical_by_longest_path INTEGER NOT NULL,
   open_ends_critical INTEGER NOT NULL,
+  no_later_holds_early INTEGER NOT NULL,
   next_uid INTEGER NOT NULL
 ) STRICT;
 

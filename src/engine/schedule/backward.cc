@@ -35,15 +35,11 @@ Ceilings CeilingsOfLinks(Network& network, Slot slot, const LimitOf& limit_of) {
 /// As above, so that no early date of a successor moves.
 Ceilings CeilingsOfEarlyDates(Network& network, Slot slot) {
   return CeilingsOfLinks(network, slot, [&network](Slot successor, bool to_finish) {
-    if (!to_finish || network.nodes[successor].minutes == 0) {
-      return network.early[2 * successor + (to_finish ? 1 : 0)];
-    }
-    // Whatever comes after the work has ended and before it would go on does not move it.
-    WorkTable& table = network.TableOf(successor);
-    return table.StartAt(table.Position(Unpack(network.early[FinishOf(successor)]))).packed();
+    return network.early[to_finish ? FinishOf(successor) : StartOf(successor)];
   });
 }
 
+/// Up to when the task's own constraints let it start and finish.
 void AddConstraints(const Network& network, Slot slot, Ceilings& ceilings) {
   const TaskFacts& facts = network.facts[slot];
   for (const Constraint& constraint : facts.constraints) {
@@ -98,14 +94,12 @@ Instant LatestWithoutWork(WorkTable& table, Instant ceiling, TaskKind kind) {
              : table.FinishAt(position);
 }
 
-/// The late dates as found, and up to when predecessors may hold the task's start and finish.
 class LatePass {
  public:
   explicit LatePass(Network& network)
       : network_(network),
         plan_finish_(network.options.must_finish.IsAbsent() ? FinishOfPlan(network)
-                                                            : network.options.must_finish),
-        limits_(2 * static_cast<std::size_t>(network.open_count)) {}
+                                                            : network.options.must_finish) {}
 
   void Run() {
     try {
@@ -125,9 +119,15 @@ class LatePass {
       ceilings = MandatoryCeilings(network_, slot_);
     } else {
       ceilings = CeilingsOfLinks(network_, slot_, [this](Slot successor, bool to_finish) {
-        return limits_[2 * static_cast<std::size_t>(successor) + (to_finish ? 1 : 0)];
+        return network_.late[to_finish ? FinishOf(successor) : StartOf(successor)];
       });
-      ceilings.finish = std::min(ceilings.finish, plan_finish_.packed());
+      const TaskFacts& facts = network_.facts[slot_];
+      ceilings.start = std::min(ceilings.start, facts.link_ceiling);
+      ceilings.finish =
+          std::min({ceilings.finish, facts.link_finish_ceiling, plan_finish_.packed()});
+      if (network_.options.open_ends_critical && facts.is_open_end) {
+        ceilings.finish = std::min(ceilings.finish, network_.early[FinishOf(slot_)]);
+      }
       AddConstraints(network_, slot_, ceilings);
     }
     WorkTable& table = network_.TableOf(slot_);
@@ -138,25 +138,20 @@ class LatePass {
     // start and on the finish are one.
     network_.total_float[slot_] = finish - early_finish;
     if (minutes > 0) {
-      const Instant start = table.StartAt(finish - minutes);
-      SetLate(start, table.FinishAt(finish), start, table.StartAt(finish));
+      SetLate(table.StartAt(finish - minutes), table.FinishAt(finish));
       return;
     }
-    const TaskKind kind = network_.facts[slot_].kind;
-    const Instant latest =
-        LatestWithoutWork(table, Unpack(std::min(ceilings.start, ceilings.finish)), kind);
-    // Of the two moments of one position, show the one that the early date has.
-    const Instant shown = finish == early_finish ? Unpack(network_.early[FinishOf(slot_)])
-                          : kind == TaskKind::kStartMilestone ? latest
-                                                              : table.FinishAt(finish);
-    SetLate(shown, shown, latest, latest);
+    // Of the two moments of one position, the one that the early date has.
+    const Instant moment = finish == early_finish ? Unpack(network_.early[FinishOf(slot_)])
+                           : network_.facts[slot_].kind == TaskKind::kStartMilestone
+                               ? table.StartAt(finish)
+                               : table.FinishAt(finish);
+    SetLate(moment, moment);
   }
 
-  void SetLate(Instant start, Instant finish, Instant start_limit, Instant finish_limit) {
+  void SetLate(Instant start, Instant finish) {
     network_.late[StartOf(slot_)] = start.packed();
     network_.late[FinishOf(slot_)] = finish.packed();
-    limits_[2 * static_cast<std::size_t>(slot_)] = start_limit.packed();
-    limits_[2 * static_cast<std::size_t>(slot_) + 1] = finish_limit.packed();
   }
 
   void FindFreeFloat() {
@@ -172,7 +167,6 @@ class LatePass {
 
   Network& network_;
   Instant plan_finish_;
-  std::vector<std::int32_t> limits_;
   Slot slot_ = 0;
 };
 

@@ -76,6 +76,17 @@ class Compiler {
     return task.IsFinished() ||
            (task.IsStarted() && plan_.schedule.progress != ProgressRule::kRetainedLogic);
   }
+  static bool IsFromFinish(const Edge& edge) {
+    return edge.link->type == LinkType::kFinishToStart ||
+           edge.link->type == LinkType::kFinishToFinish;
+  }
+  static bool IsToFinish(const Edge& edge) {
+    return edge.link->type == LinkType::kFinishToFinish ||
+           edge.link->type == LinkType::kStartToFinish;
+  }
+  Lag LagOf(const Edge& edge) {
+    return calendars_.LagOf(*edge.link, TaskAt(edge.from), TaskAt(edge.to));
+  }
 
   void FindMembers();
   std::vector<TaskIndex> EndsOf(Uid uid) const;
@@ -85,7 +96,9 @@ class Compiler {
   void MakeFacts();
   TaskFacts FactsOf(const Task& task);
   void MakeLinks();
-  void HoldFromActualStart(const Edge& edge);
+  std::int32_t OwnFloorOf(const Task& task, std::uint16_t table);
+  void HoldFromActualDate(const Edge& edge);
+  void HoldByActualDate(const Edge& edge);
   void MakeNodes();
   void MakeSpans();
 
@@ -223,14 +236,41 @@ TaskFacts Compiler::FactsOf(const Task& task) {
   facts.kind = task.kind;
   facts.is_started = task.IsStarted();
   facts.is_finished = task.IsFinished();
+  facts.is_open_end = true;
   facts.table = calendars_.TableFor(task, !facts.is_finished && task.kind != TaskKind::kSummary);
   facts.constraints[0] = task.constraint;
   facts.constraints[1] = task.second_constraint;
+  // A range says how long the task takes, not when it ends.
+  if (!task.expected_finish.IsAbsent() && !task.range && task.kind == TaskKind::kTask) {
+    facts.expected_finish = task.expected_finish.packed();
+  }
   facts.own_floor = plan_.StatusDate().packed();
-  if (facts.is_started && !task.resumed.IsAbsent()) {
+  if (!plan_.schedule.remaining_from_data_date) {
+    facts.own_floor = OwnFloorOf(task, facts.table);
+  } else if (facts.is_started && !task.resumed.IsAbsent()) {
     facts.own_floor = std::max(facts.own_floor, task.resumed.packed());
   }
   return facts;
+}
+
+/// Where work may go on at the earliest in a plan whose data date holds nothing: where it is
+/// resumed, else where the work that is done ends.
+std::int32_t Compiler::OwnFloorOf(const Task& task, std::uint16_t table) {
+  if (!task.IsStarted() || task.IsFinished() || task.kind == TaskKind::kSummary) {
+    return (plan_.start.IsAbsent() ? plan_.StatusDate() : plan_.start).packed();
+  }
+  if (!task.resumed.IsAbsent()) {
+    return task.resumed.packed();
+  }
+  WorkTable& hours = network_.tables[table];
+  const std::int32_t done = std::max(task.original_minutes - task.remaining_minutes, 0);
+  try {
+    const std::int32_t position = hours.Position(task.actual_start) + hours.CapMinutes(done);
+    return (done > 0 ? hours.FinishAt(position) : task.actual_start).packed();
+  } catch (const OutsideCalendars&) {
+    throw SchedulingError(fmt::format(
+        "Task {} cannot be scheduled: its dates go beyond what its calendar covers", task.id));
+  }
 }
 
 void Compiler::MakeFacts() {
@@ -260,53 +300,66 @@ void Compiler::MakeFacts() {
   }
 }
 
-/// A link from the actual start of a started task holds its successor at a date that no pass
-/// changes.
-void Compiler::HoldFromActualStart(const Edge& edge) {
+/// A link from the actual date of a task holds its successor at a date that no pass changes.
+void Compiler::HoldFromActualDate(const Edge& edge) {
+  const Task& from = TaskAt(edge.from);
   TaskFacts& facts = network_.facts[SlotOf(edge.to)];
   try {
-    const std::int32_t bound =
-        LagEnd(network_, TaskAt(edge.from).actual_start.packed(),
-               calendars_.LagOf(*edge.link, TaskAt(edge.from), TaskAt(edge.to)));
-    std::int32_t& floor =
-        edge.link->type == LinkType::kStartToStart ? facts.link_floor : facts.link_finish_floor;
+    const Instant date = IsFromFinish(edge) ? from.actual_finish : from.actual_start;
+    const std::int32_t bound = LagEnd(network_, date.packed(), LagOf(edge));
+    std::int32_t& floor = IsToFinish(edge) ? facts.link_finish_floor : facts.link_floor;
     floor = std::max(floor, bound);
   } catch (const OutsideCalendars& error) {
     throw OutsideError(network_, SlotOf(edge.to), error);
   }
 }
 
+/// A link to the actual date of a task limits the late dates of its predecessor.
+void Compiler::HoldByActualDate(const Edge& edge) {
+  const Task& to = TaskAt(edge.to);
+  const Instant date = IsToFinish(edge) ? to.actual_finish : to.actual_start;
+  if (date.IsAbsent()) {
+    return;
+  }
+  TaskFacts& facts = network_.facts[SlotOf(edge.from)];
+  try {
+    const std::int32_t bound = LagBegin(network_, date.packed(), LagOf(edge));
+    std::int32_t& ceiling = IsFromFinish(edge) ? facts.link_finish_ceiling : facts.link_ceiling;
+    ceiling = std::min(ceiling, bound);
+  } catch (const OutsideCalendars& error) {
+    throw OutsideError(network_, SlotOf(edge.from), error);
+  }
+}
+
 void Compiler::MakeLinks() {
   for (const Edge& edge : edges_) {
     const Task& from = TaskAt(edge.from);
-    // Finished work drives nothing past the status date, and before it nothing is held anyway.
-    if (from.IsFinished() || IgnoresLinks(TaskAt(edge.to))) {
+    const Task& to = TaskAt(edge.to);
+    network_.facts[SlotOf(edge.from)].is_open_end = false;
+    if (IgnoresLinks(to)) {
+      if (!from.IsFinished() && plan_.schedule.progress == ProgressRule::kActualDates) {
+        HoldByActualDate(edge);
+      }
       continue;
     }
-    const bool from_start =
-        edge.link->type == LinkType::kStartToStart || edge.link->type == LinkType::kStartToFinish;
-    if (from_start && from.IsStarted() && !plan_.schedule.lag_from_early_start) {
-      HoldFromActualStart(edge);
+    if (from.IsFinished()) {
+      // Finished work drives nothing past the data date, and before it nothing is held anyway.
+      if (!plan_.schedule.remaining_from_data_date) {
+        HoldFromActualDate(edge);
+      }
+    } else if (!IsFromFinish(edge) && from.IsStarted() && !plan_.schedule.lag_from_early_start) {
+      HoldFromActualDate(edge);
     } else {
       open_edges_.push_back(edge);
     }
   }
-  const auto lag_of = [this](const Edge& edge) {
-    return calendars_.LagOf(*edge.link, TaskAt(edge.from), TaskAt(edge.to));
-  };
-  const auto make_in_link = [this, &lag_of](const Edge& edge) {
-    const LinkType type = edge.link->type;
+  const auto make_in_link = [this](const Edge& edge) {
     const Slot from = SlotOf(edge.from);
-    const bool from_finish = type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish;
-    return InLink{from_finish ? FinishOf(from) : StartOf(from), lag_of(edge),
-                  type == LinkType::kFinishToFinish || type == LinkType::kStartToFinish,
-                  edge.order};
+    return InLink{IsFromFinish(edge) ? FinishOf(from) : StartOf(from), LagOf(edge),
+                  IsToFinish(edge), edge.order};
   };
-  const auto make_out_link = [this, &lag_of](const Edge& edge) {
-    const LinkType type = edge.link->type;
-    return OutLink{SlotOf(edge.to), lag_of(edge),
-                   type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish,
-                   type == LinkType::kFinishToFinish || type == LinkType::kStartToFinish};
+  const auto make_out_link = [this](const Edge& edge) {
+    return OutLink{SlotOf(edge.to), LagOf(edge), IsFromFinish(edge), IsToFinish(edge)};
   };
   const auto to = [this](const Edge& edge) { return SlotOf(edge.to); };
   const auto from = [this](const Edge& edge) { return SlotOf(edge.from); };
@@ -358,13 +411,9 @@ void Compiler::MakeSpans() {
   };
   network_.span_links =
       GroupBy<SpanLink>(efforts, effort_edges_, effort_of, [this](const Edge& edge) {
-        const LinkType type = edge.link->type;
         const bool other_comes_first = IsSpan(edge.to);
-        return SpanLink{SlotOf(other_comes_first ? edge.from : edge.to),
-                        calendars_.LagOf(*edge.link, TaskAt(edge.from), TaskAt(edge.to)),
-                        other_comes_first,
-                        type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish,
-                        type == LinkType::kFinishToFinish || type == LinkType::kStartToFinish};
+        return SpanLink{SlotOf(other_comes_first ? edge.from : edge.to), LagOf(edge),
+                        other_comes_first, IsFromFinish(edge), IsToFinish(edge)};
       });
   network_.span_members.first.push_back(0);
   for (Slot slot = network_.effort_count; slot < network_.task_count; ++slot) {

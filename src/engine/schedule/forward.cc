@@ -45,15 +45,60 @@ void SetEarly(Network& network, Slot slot, Instant start, Instant finish) {
   network.early[FinishOf(slot)] = finish.packed();
 }
 
+/// Stretches or cuts what remains of a task so that it ends when it is expected to, if that lies
+/// after its start. No remaining work is expected to end at no time.
+void MeetExpectedFinish(Network& network, Slot slot, EarlyBounds bounds) {
+  const std::int32_t remaining = network.remaining[slot];
+  WorkTable& table = network.TableOf(slot);
+  const std::int32_t minutes =
+      table.Position(Instant::FromPacked(network.facts[slot].expected_finish)) -
+      table.Position(Instant::FromPacked(bounds.start));
+  network.nodes[slot].minutes =
+      table.CapMinutes(remaining > 0 && minutes > 0 ? minutes : remaining);
+}
+
+/// Schedules a task whose start or finish may not come after a moment, if that is where it would
+/// come. False if it is not.
+bool ScheduleHeldBack(Network& network, Slot slot, EarlyBounds bounds) {
+  const TaskFacts& facts = network.facts[slot];
+  const std::int32_t minutes = network.nodes[slot].minutes;
+  WorkTable& table = network.TableOf(slot);
+  const std::int32_t free = StartPosition(table, minutes, bounds);
+  std::int32_t held = free;
+  if (facts.start_ceiling != kNoCeiling) {
+    held = std::min(held, table.Position(Instant::FromPacked(facts.start_ceiling)));
+  }
+  if (facts.finish_ceiling != kNoCeiling) {
+    held = std::min(held, table.Position(Instant::FromPacked(facts.finish_ceiling)) - minutes);
+  }
+  if (held == free) {
+    return false;
+  }
+  if (minutes > 0) {
+    SetEarly(network, slot, table.StartAt(held), table.FinishAt(held + minutes));
+  } else {
+    const Instant moment =
+        facts.kind == TaskKind::kStartMilestone ? table.StartAt(held) : table.FinishAt(held);
+    SetEarly(network, slot, moment, moment);
+  }
+  return true;
+}
+
 /// Schedules a task of any sort.
 void ScheduleTask(Network& network, Slot slot) {
   const EarlyBounds bounds = GatherBounds(network, slot);
   WorkTable& table = network.TableOf(slot);
+  const TaskFacts& facts = network.facts[slot];
+  if (facts.expected_finish != kNoCeiling) {
+    MeetExpectedFinish(network, slot, bounds);
+  }
+  if (facts.IsHeldBack() && ScheduleHeldBack(network, slot, bounds)) {
+    return;
+  }
   const std::int32_t minutes = network.nodes[slot].minutes;
   if (minutes == 0) {
-    const Instant moment =
-        MomentWithoutWork(table, Instant::FromPacked(std::max(bounds.start, bounds.finish)),
-                          network.facts[slot].kind);
+    const Instant moment = MomentWithoutWork(
+        table, Instant::FromPacked(std::max(bounds.start, bounds.finish)), facts.kind);
     SetEarly(network, slot, moment, moment);
   } else if (bounds.finish == kNoFloor && table.is_uniform()) {
     const WorkTable::Span span = table.Place(bounds.start, minutes);

@@ -35,6 +35,22 @@ bool HoldsFinish(ConstraintType type) {
          type == ConstraintType::kMandatoryFinish;
 }
 
+/// The moments up to which the primary constraint holds the early dates of a task that has not
+/// started, where the plan says that it does.
+void FindEarlyCeilings(const Network& network, TaskFacts& facts) {
+  facts.start_ceiling = kNoCeiling;
+  facts.finish_ceiling = kNoCeiling;
+  const Constraint& constraint = facts.constraints[0];
+  if (!network.options.no_later_holds_early || constraint.date.IsAbsent() || facts.is_started) {
+    return;
+  }
+  if (constraint.type == ConstraintType::kStartNoLater) {
+    facts.start_ceiling = constraint.date.packed();
+  } else if (constraint.type == ConstraintType::kFinishNoLater) {
+    facts.finish_ceiling = constraint.date.packed();
+  }
+}
+
 }  // namespace
 
 bool IsAsLateAsPossible(const TaskFacts& facts) {
@@ -45,7 +61,7 @@ bool IsAsLateAsPossible(const TaskFacts& facts) {
 }
 
 void ApplyConstraints(Network& network, Slot slot) {
-  const TaskFacts& facts = network.facts[slot];
+  TaskFacts& facts = network.facts[slot];
   Node& node = network.nodes[slot];
   node.floor = facts.own_floor;
   std::int32_t finish_floor = kNoFloor;
@@ -72,7 +88,9 @@ void ApplyConstraints(Network& network, Slot slot) {
     finish_floor = kNoFloor;
   }
   network.finish_floor[slot] = finish_floor;
-  node.is_general = node.is_mandatory || finish_floor != kNoFloor ||
+  FindEarlyCeilings(network, facts);
+  node.is_general = node.is_mandatory || finish_floor != kNoFloor || facts.IsHeldBack() ||
+                    facts.expected_finish != kNoCeiling ||
                     !network.tables[node.table].is_uniform() || !network.other_links[slot].empty();
 }
 

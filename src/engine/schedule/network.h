@@ -80,11 +80,21 @@ struct TaskFacts {
   TaskKind kind = TaskKind::kTask;
   bool is_started = false;
   bool is_finished = false;
+  bool is_open_end = false;  // has no successor at all
   std::uint16_t table = 0;
   Constraint constraints[2];
-  std::int32_t own_floor = kNoFloor;   // the status date, or when suspended work resumes
-  std::int32_t link_floor = kNoFloor;  // of links from actual dates, which never change
+  std::int32_t own_floor = kNoFloor;  // the status date, or when suspended work resumes
+  // Of links from and to actual dates, which never change.
+  std::int32_t link_floor = kNoFloor;
   std::int32_t link_finish_floor = kNoFloor;
+  std::int32_t link_ceiling = kNoCeiling;
+  std::int32_t link_finish_ceiling = kNoCeiling;
+  std::int32_t expected_finish = kNoCeiling;
+  // Moments after which a task may not start and finish, whatever holds it, if the plan says so.
+  std::int32_t start_ceiling = kNoCeiling;
+  std::int32_t finish_ceiling = kNoCeiling;
+
+  bool IsHeldBack() const { return start_ceiling != kNoCeiling || finish_ceiling != kNoCeiling; }
 };
 
 /// Lists of different lengths, one after the other.
@@ -157,8 +167,9 @@ struct Network {
   std::vector<std::int32_t> late;
   std::vector<std::int32_t> total_float;
   std::vector<std::int32_t> free_float;
-  std::vector<std::uint64_t> dirty;  // unfinished tasks that changed since the last pass
-  bool is_scheduled = false;         // `early` is that of a completed pass
+  std::vector<std::uint64_t> dirty;   // unfinished tasks that changed since the last pass
+  std::vector<bool> on_longest_path;  // by slot, where that is what is critical
+  bool is_scheduled = false;          // `early` is that of a completed pass
   bool spans_are_current = false;
   std::int32_t finish = kNoFloor;  // kNoFloor: to be found again
 

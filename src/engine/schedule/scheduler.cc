@@ -18,6 +18,34 @@ struct Scheduler::Compiled {
   std::vector<std::uint64_t> on_path;  // scratch of CountDriving, by slot
 
   Slot SlotOf(TaskIndex task) const { return network.slot_of[task]; }
+
+  /// Visits the unfinished tasks that are on a driving path to the plan's finish, from the last one
+  /// back, by one sweep over the forward pass.
+  template <class Visit>
+  void VisitDriving(const Visit& visit) {
+    const std::int32_t finish = FinishOfPlan(network).packed();
+    for (Slot slot = 0; slot < network.open_count; ++slot) {
+      if (network.early[FinishOf(slot)] == finish) {
+        on_path[slot >> 6] |= std::uint64_t{1} << (slot & 63);
+      }
+    }
+    // Predecessors come earlier in the order, so that one sweep back meets each task once.
+    for (auto word = static_cast<std::int32_t>(on_path.size()) - 1; word >= 0; --word) {
+      while (on_path[word] != 0) {
+        const std::int32_t bit = 63 - std::countl_zero(on_path[word]);
+        const Slot slot = word * 64 + bit;
+        on_path[word] &= ~(std::uint64_t{1} << bit);
+        visit(slot);
+        for (const InLink& link : network.in_links[slot]) {
+          if (IsDriving(network, slot, link)) {
+            const Slot from = link.predecessor();
+            on_path[from >> 6] |= std::uint64_t{1} << (from & 63);
+          }
+        }
+      }
+    }
+  }
+
   /// The slot, with its early dates up to date.
   Slot Current(TaskIndex task) {
     const Slot slot = SlotOf(task);
@@ -118,7 +146,13 @@ void Scheduler::ScheduleChanged() {
 }
 
 void Scheduler::ScheduleBackward() {
-  RunBackward(compiled_->network);
+  Network& network = compiled_->network;
+  RunBackward(network);
+  if (network.options.critical_by_longest_path) {
+    network.on_longest_path.assign(static_cast<std::size_t>(network.task_count), false);
+    compiled_->VisitDriving(
+        [&network](Slot slot) { network.on_longest_path[static_cast<std::size_t>(slot)] = true; });
+  }
 }
 
 Instant Scheduler::early_start(TaskIndex task) const {
@@ -162,8 +196,12 @@ std::int32_t Scheduler::free_float(TaskIndex task) const {
 
 bool Scheduler::is_critical(TaskIndex task) const {
   const Network& network = compiled_->network;
-  return !late_finish(task).IsAbsent() &&
-         total_float(task) <= network.options.critical_float_minutes;
+  if (late_finish(task).IsAbsent()) {
+    return false;
+  }
+  return network.options.critical_by_longest_path
+             ? bool{network.on_longest_path[static_cast<std::size_t>(compiled_->SlotOf(task))]}
+             : total_float(task) <= network.options.critical_float_minutes;
 }
 
 Instant Scheduler::finish() const {
@@ -188,29 +226,8 @@ std::vector<TaskIndex> Scheduler::DrivingPredecessors(TaskIndex task) const {
 }
 
 void Scheduler::CountDriving(std::vector<std::uint32_t>& on_path) const {
-  Network& network = compiled_->network;
-  std::vector<std::uint64_t>& marked = compiled_->on_path;
-  const std::int32_t finish = FinishOfPlan(network).packed();
-  for (Slot slot = 0; slot < network.open_count; ++slot) {
-    if (network.early[FinishOf(slot)] == finish) {
-      marked[slot >> 6] |= std::uint64_t{1} << (slot & 63);
-    }
-  }
-  // Predecessors come earlier in the order, so that one sweep back meets each task once.
-  for (auto word = static_cast<std::int32_t>(marked.size()) - 1; word >= 0; --word) {
-    while (marked[word] != 0) {
-      const std::int32_t bit = 63 - std::countl_zero(marked[word]);
-      const Slot slot = word * 64 + bit;
-      marked[word] &= ~(std::uint64_t{1} << bit);
-      ++on_path[network.index_at[slot]];
-      for (const InLink& link : network.in_links[slot]) {
-        if (IsDriving(network, slot, link)) {
-          const Slot from = link.predecessor();
-          marked[from >> 6] |= std::uint64_t{1} << (from & 63);
-        }
-      }
-    }
-  }
+  const std::vector<TaskIndex>& index_at = compiled_->network.index_at;
+  compiled_->VisitDriving([&](Slot slot) { ++on_path[index_at[slot]]; });
 }
 
 bool Scheduler::HasWorkOn(TaskIndex task, std::int32_t day) const {

@@ -54,7 +54,8 @@ class Scheduler {
   // What an iteration changes. None of these schedules by itself.
 
   /// Sets what remains of a task in minutes of its own working time, 0 or more. Ignored for
-  /// finished tasks, milestones, summaries and levels of effort.
+  /// finished tasks, milestones, summaries and levels of effort. A task without a range that is
+  /// expected to finish at a date ends then, however much of it this says remains.
   void SetRemaining(TaskIndex task, std::int32_t minutes);
   std::int32_t remaining(TaskIndex task) const;
   /// Sets the primary constraint. For a started task a start constraint holds what remains.
@@ -96,6 +97,8 @@ class Scheduler {
   Instant late_finish(TaskIndex task) const;
   std::int32_t total_float(TaskIndex task) const;
   std::int32_t free_float(TaskIndex task) const;
+  /// Whether the task has no more float than is critical, or is on the longest path where the plan
+  /// goes by that.
   bool is_critical(TaskIndex task) const;
   /// Latest early finish of all tasks (summaries and levels of effort aside); the status date if
   /// there are none.
@@ -116,8 +119,9 @@ class Scheduler {
   /// SchedulingError where there is none within what calendars cover.
   Instant NextWorkStart(TaskIndex task, std::int32_t day) const;
 
-  /// The compiled plan with the state of its passes, for what is told of a schedule beyond its dates
-  /// (see telling.h). Nothing of it is to be changed but by reading: tables grow when they are read.
+  /// The compiled plan with the state of its passes, for what is told of a schedule beyond its
+  /// dates (see telling.h). Nothing of it is to be changed but by reading: tables grow when they
+  /// are read.
   Network& network() const;
 
  private:

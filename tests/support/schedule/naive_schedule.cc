@@ -73,8 +73,16 @@ bool NaiveSchedule::TakesPart(Uid uid) const {
          task->kind != TaskKind::kLevelOfEffort;
 }
 
-std::int64_t NaiveSchedule::WorkOf(const Task& task) const {
-  return task.kind == TaskKind::kTask ? plan_.LikelyMinutes(task) : 0;
+std::int64_t NaiveSchedule::WorkOf(const Task& task) {
+  const std::int64_t remaining = task.kind == TaskKind::kTask ? plan_.LikelyMinutes(task) : 0;
+  if (remaining == 0 || task.expected_finish.IsAbsent() || task.range) {
+    return remaining;
+  }
+  const Floors floors = FloorsOf(task);
+  const std::int64_t work = calendars_.OfTask(task).WorkBetween(
+      *std::max_element(floors.starts.begin(), floors.starts.end()),
+      task.expected_finish.Minutes());
+  return work > 0 ? work : remaining;
 }
 
 std::vector<const Link*> NaiveSchedule::LinksInto(const Task& task) const {
@@ -83,7 +91,8 @@ std::vector<const Link*> NaiveSchedule::LinksInto(const Task& task) const {
       !task.IsStarted() || plan_.schedule.progress == engine::ProgressRule::kRetainedLogic;
   for (const Link& link : plan_.links) {
     if (follows && link.successor == task.uid && TakesPart(link.predecessor) &&
-        !plan_.FindTask(link.predecessor)->IsFinished()) {
+        (!plan_.FindTask(link.predecessor)->IsFinished() ||
+         !plan_.schedule.remaining_from_data_date)) {
       links.push_back(&link);
     }
   }
@@ -117,15 +126,27 @@ NaiveDates NaiveSchedule::Unmoved(Uid uid) {
   return unmoved_[uid] = FindUnmoved(*plan_.FindTask(uid));
 }
 
-NaiveDates NaiveSchedule::FindUnmoved(const Task& task) {
-  if (task.IsFinished()) {
-    return {task.actual_start.Minutes(), task.actual_finish.Minutes()};
+/// Where the dates of the plan and of the task itself let what remains of it begin.
+std::vector<std::int64_t> NaiveSchedule::OwnFloors(const Task& task) {
+  std::vector<std::int64_t> floors;
+  if (plan_.schedule.remaining_from_data_date) {
+    floors.push_back(plan_.StatusDate().Minutes());
+  } else if (!task.IsStarted()) {
+    floors.push_back(plan_.start.Minutes());
+  } else if (task.resumed.IsAbsent()) {
+    floors.push_back(calendars_.OfTask(task).After(task.actual_start.Minutes(),
+                                                   task.original_minutes - task.remaining_minutes));
   }
-  std::vector<std::int64_t> starts{plan_.StatusDate().Minutes()};
-  std::vector<std::int64_t> finishes;
   if (task.IsStarted() && !task.resumed.IsAbsent()) {
-    starts.push_back(task.resumed.Minutes());
+    floors.push_back(task.resumed.Minutes());
   }
+  return floors;
+}
+
+NaiveSchedule::Floors NaiveSchedule::FloorsOf(const Task& task) {
+  Floors floors{OwnFloors(task), {}};
+  std::vector<std::int64_t>& starts = floors.starts;
+  std::vector<std::int64_t>& finishes = floors.finishes;
   const auto append = [](std::vector<std::int64_t>& to, const std::vector<std::int64_t>& from) {
     to.insert(to.end(), from.begin(), from.end());
   };
@@ -143,7 +164,7 @@ NaiveDates NaiveSchedule::FindUnmoved(const Task& task) {
   if (!IsMandatory(task)) {
     for (const Link* link : LinksInto(task)) {
       const Task& predecessor = *plan_.FindTask(link->predecessor);
-      const NaiveDates dates = Unmoved(link->predecessor);
+      const NaiveDates dates = Unmoved(link->predecessor);  // actual ones if it is finished
       std::int64_t from = IsFromFinish(link->type) ? dates.finish : dates.start;
       if (!IsFromFinish(link->type) && predecessor.IsStarted() &&
           !plan_.schedule.lag_from_early_start) {
@@ -152,19 +173,55 @@ NaiveDates NaiveSchedule::FindUnmoved(const Task& task) {
       (IsToFinish(link->type) ? finishes : starts).push_back(calendars_.LagEnd(*link, from));
     }
   }
+  return floors;
+}
 
+NaiveDates NaiveSchedule::FindUnmoved(const Task& task) {
+  if (task.IsFinished()) {
+    return {task.actual_start.Minutes(), task.actual_finish.Minutes()};
+  }
+  const Floors floors = FloorsOf(task);
   const MinuteCalendar& calendar = calendars_.OfTask(task);
   const std::int64_t work = WorkOf(task);
+  const std::int64_t first = *std::max_element(floors.starts.begin(), floors.starts.end());
+  NaiveDates dates;
   if (work == 0) {
-    append(starts, finishes);
-    const std::int64_t moment =
-        PlaceMoment(calendar, *std::max_element(starts.begin(), starts.end()), task.kind);
+    dates.start = first;
+    for (const std::int64_t finish : floors.finishes) {
+      dates.start = std::max(dates.start, finish);
+    }
+    dates.start = PlaceMoment(calendar, dates.start, task.kind);
+    dates.finish = dates.start;
+  } else {
+    dates.start = calendar.NextStart(first);
+    for (const std::int64_t finish : floors.finishes) {
+      dates.start = std::max(dates.start, calendar.Before(finish, work));
+    }
+    dates.finish = calendar.After(dates.start, work);
+  }
+  return HeldBack(task, dates);
+}
+
+/// Back from where the task would stand to where its primary constraint wants it at the latest.
+NaiveDates NaiveSchedule::HeldBack(const Task& task, NaiveDates dates) {
+  const bool on_start = task.constraint.type == ConstraintType::kStartNoLater;
+  const bool on_finish = task.constraint.type == ConstraintType::kFinishNoLater;
+  if (!plan_.schedule.no_later_holds_early || task.IsStarted() || (!on_start && !on_finish)) {
+    return dates;
+  }
+  const MinuteCalendar& calendar = calendars_.OfTask(task);
+  const std::int64_t work = WorkOf(task);
+  const std::int64_t latest = task.constraint.date.Minutes();
+  if (calendar.WorkBetween(latest, on_start ? dates.start : dates.finish) <= 0) {
+    return dates;
+  }
+  if (work == 0) {
+    const std::int64_t moment = task.kind == TaskKind::kStartMilestone
+                                    ? calendar.NextStart(latest)
+                                    : calendar.LastFinish(latest);
     return {moment, moment};
   }
-  std::int64_t start = calendar.NextStart(*std::max_element(starts.begin(), starts.end()));
-  for (const std::int64_t finish : finishes) {
-    start = std::max(start, calendar.Before(finish, work));
-  }
+  const std::int64_t start = on_start ? calendar.NextStart(latest) : calendar.Before(latest, work);
   return {start, calendar.After(start, work)};
 }
 
@@ -183,10 +240,7 @@ NaiveSchedule::Ceilings NaiveSchedule::CeilingsFrom(const Task& task, DatesOf da
   for (const Link* link : LinksOutOf(task)) {
     const Task& successor = *plan_.FindTask(link->successor);
     const NaiveDates dates = (this->*dates_of)(successor.uid);
-    std::int64_t limit = dates.start;
-    if (IsToFinish(link->type) && WorkOf(successor) > 0) {
-      limit = calendars_.OfTask(successor).NextStart(dates.finish);
-    }
+    const std::int64_t limit = IsToFinish(link->type) ? dates.finish : dates.start;
     std::int64_t& ceiling = IsFromFinish(link->type) ? ceilings.finish : ceilings.start;
     ceiling = std::min(ceiling, calendars_.LagBegin(*link, limit));
   }
@@ -267,6 +321,10 @@ NaiveDates NaiveSchedule::FindLate(const Task& task) {
     ceilings.finish = std::min(ceilings.finish, plan_.schedule.must_finish.IsAbsent()
                                                     ? Finish()
                                                     : plan_.schedule.must_finish.Minutes());
+    AddActualCeilings(task, ceilings);
+    if (plan_.schedule.open_ends_critical && IsOpenEnd(task)) {
+      ceilings.finish = std::min(ceilings.finish, Early(task.uid).finish);
+    }
     start_types = {ConstraintType::kStartOn, ConstraintType::kStartNoLater};
     finish_types = {ConstraintType::kFinishOn, ConstraintType::kFinishNoLater};
   }
@@ -278,7 +336,41 @@ NaiveDates NaiveSchedule::FindLate(const Task& task) {
   for (const auto date : ConstraintDates(task, finish_types)) {
     ceilings.finish = std::min(ceilings.finish, date);
   }
-  return LatestUnder(task, ceilings);
+  if (WorkOf(task) > 0) {
+    return LatestUnder(task, ceilings);
+  }
+  // Of the two moments with no work between them, a start is where work starts and anything else
+  // where it ends, unless the early date shows that it has to be the other one.
+  const MinuteCalendar& calendar = calendars_.OfTask(task);
+  const std::int64_t ceiling = std::min(ceilings.start, ceilings.finish);
+  const std::int64_t moment = task.kind == TaskKind::kStartMilestone ? calendar.NextStart(ceiling)
+                                                                     : calendar.LastFinish(ceiling);
+  const std::int64_t early = Early(task.uid).finish;
+  return calendar.WorkBetween(early, moment) == 0 ? NaiveDates{early, early}
+                                                  : NaiveDates{moment, moment};
+}
+
+/// With actual dates, what has happened limits the late dates of what comes before it.
+void NaiveSchedule::AddActualCeilings(const Task& task, Ceilings& ceilings) {
+  for (const Link& link : plan_.links) {
+    if (plan_.schedule.progress != engine::ProgressRule::kActualDates ||
+        link.predecessor != task.uid || !TakesPart(link.successor)) {
+      continue;
+    }
+    const Task& successor = *plan_.FindTask(link.successor);
+    const engine::Instant actual =
+        IsToFinish(link.type) ? successor.actual_finish : successor.actual_start;
+    if (!actual.IsAbsent()) {
+      std::int64_t& ceiling = IsFromFinish(link.type) ? ceilings.finish : ceilings.start;
+      ceiling = std::min(ceiling, calendars_.LagBegin(link, actual.Minutes()));
+    }
+  }
+}
+
+bool NaiveSchedule::IsOpenEnd(const Task& task) const {
+  return std::none_of(plan_.links.begin(), plan_.links.end(), [&](const Link& link) {
+    return link.predecessor == task.uid && TakesPart(link.successor);
+  });
 }
 
 std::int64_t NaiveSchedule::TotalFloat(Uid uid) {

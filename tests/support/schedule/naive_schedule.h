@@ -39,17 +39,26 @@ class NaiveSchedule {
  private:
   using DatesOf = NaiveDates (NaiveSchedule::*)(engine::Uid);
   struct Ceilings;
+  struct Floors {
+    std::vector<std::int64_t> starts;
+    std::vector<std::int64_t> finishes;
+  };
 
   NaiveDates Unmoved(engine::Uid task);
   NaiveDates FindUnmoved(const engine::Task& task);
+  std::vector<std::int64_t> OwnFloors(const engine::Task& task);
+  Floors FloorsOf(const engine::Task& task);
+  NaiveDates HeldBack(const engine::Task& task, NaiveDates dates);
   NaiveDates FindMoved(const engine::Task& task);
   NaiveDates FindLate(const engine::Task& task);
   NaiveDates LatestUnder(const engine::Task& task, const Ceilings& ceilings);
+  void AddActualCeilings(const engine::Task& task, Ceilings& ceilings);
+  bool IsOpenEnd(const engine::Task& task) const;
   Ceilings CeilingsFrom(const engine::Task& task, DatesOf dates_of);
   std::vector<const engine::Link*> LinksInto(const engine::Task& task) const;
   std::vector<const engine::Link*> LinksOutOf(const engine::Task& task) const;
   bool TakesPart(engine::Uid task) const;
-  std::int64_t WorkOf(const engine::Task& task) const;
+  std::int64_t WorkOf(const engine::Task& task);
 
   const engine::Plan& plan_;
   Participates participates_;

@@ -106,6 +106,10 @@ void AddTask(Dice& dice, const RandomPlanOptions& options, Plan& plan) {
   task.calendar = dice.OneIn(6) ? 0 : plan.calendars[static_cast<std::size_t>(dice.Below(5))].uid;
   if (task.kind == TaskKind::kTask && !dice.OneIn(8)) {
     task.remaining_minutes = dice.OneIn(2) ? 240 * dice.Between(1, 12) : dice.Between(1, 3000);
+    task.original_minutes = task.remaining_minutes + (dice.OneIn(2) ? 0 : dice.Between(-100, 2000));
+    if (options.with_rules && dice.OneIn(4)) {
+      task.expected_finish = RandomMoment(dice, kStartDay, kStartDay + 30);
+    }
   }
   if (options.with_constraints && dice.OneIn(3)) {
     task.constraint = RandomConstraint(dice);
@@ -167,6 +171,11 @@ Plan RandomPlan(std::uint64_t seed, const RandomPlanOptions& options) {
   if (options.with_constraints && dice.OneIn(4)) {
     plan.schedule.must_finish = RandomMoment(dice, kStartDay + 10, kStartDay + 60);
     plan.schedule.critical_float_minutes = 240 * dice.Below(3);
+  }
+  if (options.with_rules) {
+    plan.schedule.remaining_from_data_date = dice.OneIn(2);
+    plan.schedule.no_later_holds_early = dice.OneIn(2);
+    plan.schedule.open_ends_critical = dice.OneIn(3);
   }
   for (std::int32_t i = 0; i < options.tasks; ++i) {
     AddTask(dice, options, plan);

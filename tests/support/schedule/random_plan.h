@@ -27,6 +27,8 @@ struct RandomPlanOptions {
   bool with_constraints = false;
   bool with_progress = false;
   bool with_risk_calendars = false;
+  /// Expected finishes, and the options that few plans have.
+  bool with_rules = false;
 };
 
 /// A plan that starts on Monday 1 March 2027 at 08:00 and takes some weeks. Its calendars have days

@@ -72,8 +72,22 @@ class Checker {
   std::int64_t LateFinish(const Task& task) const {
     return scheduler_.late_finish(IndexOf(task)).Minutes();
   }
-  std::int64_t WorkOf(const Task& task) const {
-    return task.kind == TaskKind::kTask ? plan_.LikelyMinutes(task) : 0;
+  /// The work between a task's dates: what remains, or what its expected finish makes of it.
+  std::int64_t WorkOf(const Task& task) {
+    const std::int64_t remaining = task.kind == TaskKind::kTask ? plan_.LikelyMinutes(task) : 0;
+    if (task.expected_finish.IsAbsent() || task.range || remaining == 0) {
+      return remaining;
+    }
+    if (IsMovedLate(task)) {  // what remains was found where the task stood before
+      return calendars_->OfTask(task).WorkBetween(EarlyStart(task), EarlyFinish(task));
+    }
+    std::int64_t start = std::numeric_limits<std::int64_t>::min();
+    for (const Bound& bound : EarlyBounds(task)) {
+      start = bound.on_finish ? start : std::max(start, bound.moment);
+    }
+    const std::int64_t work =
+        calendars_->OfTask(task).WorkBetween(start, task.expected_finish.Minutes());
+    return work > 0 ? work : remaining;
   }
   bool IsOrdinary(const Task& task) const {
     return task.kind != TaskKind::kSummary && task.kind != TaskKind::kLevelOfEffort;
@@ -94,12 +108,14 @@ class Checker {
       }
     };
     consider(plan_.schedule.must_finish);
+    consider(plan_.start);
     for (const Task& task : plan_.tasks()) {
       if (participates_(task)) {
         consider(task.constraint.date);
         consider(task.second_constraint.date);
         consider(task.actual_start);
         consider(task.actual_finish);
+        consider(task.expected_finish);
         consider(scheduler_.early_start(IndexOf(task)));
         consider(scheduler_.early_finish(IndexOf(task)));
         if (checked == Checked::kEarlyAndLate) {
@@ -127,6 +143,35 @@ class Checker {
            (is_late(task.constraint) || is_late(task.second_constraint));
   }
 
+  /// Where the work of an unfinished task may go on at the earliest, by the plan's dates and its
+  /// own.
+  Bound OwnFloor(const Task& task) {
+    if (plan_.schedule.remaining_from_data_date) {
+      return {plan_.StatusDate().Minutes(), false, "the status date"};
+    }
+    if (!task.IsStarted()) {
+      return {plan_.start.Minutes(), false, "the plan's start"};
+    }
+    if (!task.resumed.IsAbsent()) {
+      return {task.resumed.Minutes(), false, "the date on which it is resumed"};
+    }
+    const std::int64_t done = std::max(task.original_minutes - task.remaining_minutes, 0);
+    return {calendars_->OfTask(task).After(task.actual_start.Minutes(), done), false,
+            "the end of the work done"};
+  }
+
+  /// Whether the task stands where its primary constraint to start or finish no later holds it,
+  /// whatever its links say.
+  bool IsHeldBack(const Task& task) {
+    const bool on_start = task.constraint.type == ConstraintType::kStartNoLater;
+    if (!plan_.schedule.no_later_holds_early || task.IsStarted() ||
+        (!on_start && task.constraint.type != ConstraintType::kFinishNoLater)) {
+      return false;
+    }
+    return calendars_->OfTask(task).WorkBetween(on_start ? EarlyStart(task) : EarlyFinish(task),
+                                                task.constraint.date.Minutes()) == 0;
+  }
+
   /// The links that hold between two unfinished tasks, of one task as predecessor or successor.
   std::vector<const Link*> HoldingLinks(const Task& task, bool as_successor) const {
     std::vector<const Link*> links;
@@ -138,7 +183,7 @@ class Checker {
       const Task* to = plan_.FindTask(link.successor);
       const bool takes_part = from != nullptr && to != nullptr && participates_(*from) &&
                               participates_(*to) && IsOrdinary(*from) && IsOrdinary(*to) &&
-                              !from->IsFinished() && !to->IsFinished();
+                              (!from->IsFinished() || DrivesWhenFinished()) && !to->IsFinished();
       const bool is_overridden = takes_part && to->IsStarted() &&
                                  plan_.schedule.progress != engine::ProgressRule::kRetainedLogic;
       if (takes_part && !is_overridden) {
@@ -154,13 +199,15 @@ class Checker {
   static bool ToFinish(const Link& link) {
     return link.type == LinkType::kFinishToFinish || link.type == LinkType::kStartToFinish;
   }
-  bool CountsFromActualStart(const Link& link) const {
-    return !FromFinish(link) && !plan_.schedule.lag_from_early_start &&
-           plan_.FindTask(link.predecessor)->IsStarted();
+  bool DrivesWhenFinished() const { return !plan_.schedule.remaining_from_data_date; }
+  bool CountsFromActualDate(const Link& link) const {
+    const Task& from = *plan_.FindTask(link.predecessor);
+    return from.IsFinished() ||
+           (!FromFinish(link) && !plan_.schedule.lag_from_early_start && from.IsStarted());
   }
 
   std::vector<Bound> EarlyBounds(const Task& task) {
-    std::vector<Bound> bounds{{plan_.StatusDate().Minutes(), false, "the status date"}};
+    std::vector<Bound> bounds{OwnFloor(task)};
     if (task.IsStarted() && !task.resumed.IsAbsent()) {
       bounds.push_back({task.resumed.Minutes(), false, "the date on which it is resumed"});
     }
@@ -192,9 +239,10 @@ class Checker {
     }
     for (const Link* link : HoldingLinks(task, true)) {
       const Task& from = *plan_.FindTask(link->predecessor);
-      const std::int64_t date = CountsFromActualStart(*link) ? from.actual_start.Minutes()
-                                : FromFinish(*link)          ? EarlyFinish(from)
-                                                             : EarlyStart(from);
+      const Instant actual = FromFinish(*link) ? from.actual_finish : from.actual_start;
+      const std::int64_t date = CountsFromActualDate(*link) ? actual.Minutes()
+                                : FromFinish(*link)         ? EarlyFinish(from)
+                                                            : EarlyStart(from);
       bounds.push_back(
           {calendars_->LagEnd(*link, date), ToFinish(*link), "the link from " + from.id});
     }
@@ -207,14 +255,15 @@ class Checker {
     const std::int64_t finish = EarlyFinish(task);
     const bool has_work = WorkOf(task) > 0;
     CheckForm(task, scheduler_.early_start(IndexOf(task)), scheduler_.early_finish(IndexOf(task)));
-    bool is_held = IsMovedLate(task);
+    const bool is_held_back = IsHeldBack(task);
+    bool is_held = IsMovedLate(task) || is_held_back;
     for (const Bound& bound : EarlyBounds(task)) {
       const std::int64_t date = bound.on_finish ? finish : start;
       // Work that ended just before the bound, with none in between, is not early.
       const bool is_early = bound.on_finish && has_work
                                 ? calendar.WorkBetween(date, bound.moment) > 0
                                 : date < bound.moment;
-      Expect(!is_early, task, "comes before " + bound.cause + " lets it");
+      Expect(!is_early || is_held_back, task, "comes before " + bound.cause + " lets it");
       is_held = is_held || calendar.WorkBetween(bound.moment, date) == 0;
     }
     Expect(is_held, task, "starts later than anything makes it");
@@ -235,10 +284,21 @@ class Checker {
            "does not have its work between its dates");
   }
 
-  /// Up to when a predecessor may hold the successor's date: the work after it is not touched.
-  std::int64_t LimitOf(const Task& successor, std::int64_t date, bool on_finish) {
-    return on_finish || WorkOf(successor) == 0 ? calendars_->OfTask(successor).NextStart(date)
-                                               : date;
+  /// The links to what has happened already, where that limits late dates.
+  void AddActualBounds(const Task& task, std::vector<Bound>& bounds) {
+    for (const Link& link : plan_.links) {
+      const Task* to = plan_.FindTask(link.successor);
+      if (plan_.schedule.progress != engine::ProgressRule::kActualDates ||
+          link.predecessor != task.uid || to == nullptr || !participates_(*to) ||
+          !IsOrdinary(*to)) {
+        continue;
+      }
+      const Instant actual = ToFinish(link) ? to->actual_finish : to->actual_start;
+      if (!actual.IsAbsent()) {
+        bounds.push_back({calendars_->LagBegin(link, actual.Minutes()), FromFinish(link),
+                          "the actual date of " + to->id});
+      }
+    }
   }
 
   std::vector<Bound> LateBounds(const Task& task) {
@@ -261,17 +321,27 @@ class Checker {
       return bounds;
     }
     bounds.push_back({PlanFinish(), true, "the plan's finish"});
+    AddActualBounds(task, bounds);
+    if (plan_.schedule.open_ends_critical && IsOpenEnd(task)) {
+      bounds.push_back({EarlyFinish(task), true, "its early finish at an open end"});
+    }
     for (const Link* link : HoldingLinks(task, false)) {
-      if (CountsFromActualStart(*link)) {
+      if (CountsFromActualDate(*link)) {
         continue;
       }
       const Task& to = *plan_.FindTask(link->successor);
-      const std::int64_t limit =
-          LimitOf(to, ToFinish(*link) ? LateFinish(to) : LateStart(to), ToFinish(*link));
+      const std::int64_t limit = ToFinish(*link) ? LateFinish(to) : LateStart(to);
       bounds.push_back(
           {calendars_->LagBegin(*link, limit), FromFinish(*link), "the link to " + to.id});
     }
     return bounds;
+  }
+
+  bool IsOpenEnd(const Task& task) const {
+    return std::none_of(plan_.links.begin(), plan_.links.end(), [&](const Link& link) {
+      const Task* to = plan_.FindTask(link.successor);
+      return link.predecessor == task.uid && to != nullptr && participates_(*to) && IsOrdinary(*to);
+    });
   }
 
   std::int64_t PlanFinish() const {
@@ -289,18 +359,13 @@ class Checker {
       Expect(spare >= 0, task, "has late dates after what " + bound.cause + " lets it");
       is_held = is_held || spare == 0;
     }
-    // The late date of a task without work is shown at one of two moments with no work between;
-    // for tasks on other calendars they are not the same, and the one used is not shown.
-    const auto links = HoldingLinks(task, false);
-    const bool is_exact = std::none_of(links.begin(), links.end(), [this](const Link* link) {
-      return WorkOf(*plan_.FindTask(link->successor)) == 0;
-    });
-    Expect(is_held || !is_exact, task, "has late dates earlier than anything makes it");
+    Expect(is_held, task, "has late dates earlier than anything makes it");
     Expect(scheduler_.total_float(IndexOf(task)) ==
                calendar.WorkBetween(EarlyFinish(task), LateFinish(task)),
            task, "has a total float other than the work between its early and late finish");
-    Expect(scheduler_.is_critical(IndexOf(task)) ==
-               (scheduler_.total_float(IndexOf(task)) <= plan_.schedule.critical_float_minutes),
+    Expect(plan_.schedule.critical_by_longest_path ||
+               scheduler_.is_critical(IndexOf(task)) ==
+                   (scheduler_.total_float(IndexOf(task)) <= plan_.schedule.critical_float_minutes),
            task, "is critical against its float");
   }
 
@@ -308,12 +373,11 @@ class Checker {
     const MinuteCalendar& calendar = calendars_->OfTask(task);
     std::optional<std::int64_t> least;
     for (const Link* link : HoldingLinks(task, false)) {
-      if (CountsFromActualStart(*link)) {
+      if (CountsFromActualDate(*link)) {
         continue;
       }
       const Task& to = *plan_.FindTask(link->successor);
-      const std::int64_t date = ToFinish(*link) ? EarlyFinish(to) : EarlyStart(to);
-      const std::int64_t limit = WorkOf(to) > 0 ? LimitOf(to, date, ToFinish(*link)) : date;
+      const std::int64_t limit = ToFinish(*link) ? EarlyFinish(to) : EarlyStart(to);
       const std::int64_t spare =
           calendar.WorkBetween(FromFinish(*link) ? EarlyFinish(task) : EarlyStart(task),
                                calendars_->LagBegin(*link, limit));
