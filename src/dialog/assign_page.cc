@@ -163,7 +163,10 @@ void frmWeather::tvTasks_NodeClick(const NodeRef& Node) {
   chkSplit.SetEnabled(true);
   cbAllCals.SetEnabled(true);
   cbAllCals.SetListIndex(-1);
-  cbAllCals.SetSelText(m_taskAssign->get_Calendar()->get_Name());
+  // A summary task may have no calendar; the box then stays empty.
+  if (const auto calendar = m_taskAssign->get_Calendar(); !calendar.IsNothing()) {
+    cbAllCals.SetSelText(calendar->get_Name());
+  }
   std::vector<Ref<Corvane8::TaskRiskCalendar>> assignments;
   IgnoreErrors([&] { assignments = m_taskAssign->get_RiskCalendars()->Elements(); });
   std::string strName;
