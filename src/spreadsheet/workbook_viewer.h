@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/message_box.h"
+#include "spreadsheet/workbook.h"
+
+namespace nimbrel::spreadsheet {
+
+/// Brings a workbook before the user's eyes.
+class WorkbookViewer {
+ public:
+  virtual ~WorkbookViewer() = default;
+
+  /// Called when a hidden program with this workbook becomes visible. `path` is the file that the
+  /// workbook was opened from, empty if it has never been saved. Raises RuntimeError if the
+  /// workbook cannot be shown.
+  virtual void Show(const Workbook& workbook, const std::string& path) = 0;
+};
+
+/// Writes the workbook to a file of the user's choice and shows nothing.
+class WorkbookSaver final : public WorkbookViewer {
+ public:
+  explicit WorkbookSaver(std::string path) : path_(std::move(path)) {}
+
+  /// Raises error 1004 if the file cannot be written.
+  void Show(const Workbook& workbook, const std::string& path) override;
+
+ private:
+  std::string path_;
+};
+
+/// Starts a program that goes on by itself, found as a shell would find it: the program and its
+/// arguments. False if there is no such program or it does not start.
+using StartProcess = std::function<bool(const std::vector<std::string>& command)>;
+
+/// Opens the workbook on the user's desktop: in LibreOffice as a document that has not been saved
+/// yet, or else in the system's own program for the file. Where there is neither, a message says
+/// where the file is.
+///
+/// A workbook that has no file is written into a new folder of its own among the temporary files,
+/// for the user's eyes only. It stays there, since the program that opens it needs it.
+class DesktopViewer final : public WorkbookViewer {
+ public:
+  /// `folder` is where temporary files go; an empty one means the system's own. The message box
+  /// must live as long as this.
+  DesktopViewer(StartProcess start, platform::MessageBox& messages, std::string folder = {});
+
+  /// Raises error 1004 if the file cannot be written.
+  void Show(const Workbook& workbook, const std::string& path) override;
+
+ private:
+  std::string WriteTemporary(const Workbook& workbook) const;
+
+  StartProcess start_;
+  platform::MessageBox& messages_;
+  std::string folder_;
+};
+
+}  // namespace nimbrel::spreadsheet
