@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+#include <vector>
+
 #include "model/cls_ww_task.h"
 #include "platform/runtime_error.h"
 #include "tests/support/host/wired_test.h"
@@ -9,6 +12,7 @@
 namespace nimbrel::model {
 namespace {
 
+using Lines = std::vector<std::string>;
 using platform::Date;
 using platform::MakeDate;
 using ::testing::ElementsAre;
@@ -208,6 +212,58 @@ TEST_F(WWTaskTest, AnEdgeWithoutADurationCannotBeWritten) {
   Init();
   start().duration.reset();
   EXPECT_EQ(ErrorOf([&] { window_->UpdateTask(); }), platform::kObjectNotSet);
+}
+
+class WWTaskRowTest : public WWTaskTest {
+ protected:
+  Lines Cells() const {
+    Lines cells;
+    for (std::int32_t n = 1; n <= row_->ListSubItems().Count(); ++n) {
+      cells.push_back(row_->ListSubItems().Item(n).Text());
+    }
+    return cells;
+  }
+
+  toolkit::ListItemRef row_ = platform::MakeRef<toolkit::ListItem>("", "");
+};
+
+TEST_F(WWTaskRowTest, ARowHasTheDatesOfBothEdgesWithABlankCellBetween) {
+  Init();
+  window_->PopulateListItem(row_);
+  EXPECT_EQ(row_->Text(), "W");
+  EXPECT_THAT(Cells(), ElementsAre("Frozen", "01/Dec/2026", "10/Dec/2026", "05/Jan/2027", "",
+                                   "20/Feb/2027", "05/Mar/2027", "25/Mar/2027"));
+}
+
+TEST_F(WWTaskRowTest, ARowIsWrittenAnewButForItsBlankCell) {
+  Init();
+  window_->PopulateListItem(row_);
+  row_->SetSubItems(5, "kept");
+  Set("2 Jan 2027", 2);
+  window_->PopulateListItem(row_);
+  EXPECT_THAT(Cells(), ElementsAre("Frozen", "02/Jan/2027", "02/Jan/2027", "05/Jan/2027", "kept",
+                                   "20/Feb/2027", "05/Mar/2027", "25/Mar/2027"));
+}
+
+TEST_F(WWTaskRowTest, MonthsAreNamedInTheUsersLanguage) {
+  Init();
+  Wire(*platform::FindLocale("de-DE"));
+  window_->PopulateListItem(row_);
+  EXPECT_EQ(row_->SubItems(2), "01.Dez.2026");
+}
+
+TEST_F(WWTaskRowTest, AnEdgeThatWasNeverReadShowsDateZero) {
+  start().successors.clear();
+  Init();
+  window_->PopulateListItem(row_);
+  EXPECT_EQ(row_->SubItems(8), "30/Dec/1899");
+}
+
+TEST_F(WWTaskRowTest, ADateThatCannotBeWrittenRaisesWithTheCellsBeforeItDone) {
+  Init();
+  window_->m_dtEndStart = Date{-1e9};
+  EXPECT_EQ(ErrorOf([this] { window_->PopulateListItem(row_); }), platform::kOverflow);
+  EXPECT_THAT(Cells(), ElementsAre("Frozen", "01/Dec/2026", "10/Dec/2026"));
 }
 
 }  // namespace
