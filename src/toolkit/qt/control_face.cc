@@ -87,7 +87,7 @@ bool ControlFace::eventFilter(QObject* watched, QEvent* event) {
       return OnDoubleClick(widget, static_cast<QMouseEvent&>(*event));
     case QEvent::FocusIn:
       OnFocusFromOutside(widget);
-      return false;
+      return OnFocusIn(widget, *event);
     default:
       return OnOther(widget, *event);
   }

@@ -84,6 +84,7 @@ class ControlFace : public QObject {
   virtual bool OnDoubleClick(QWidget& widget, QMouseEvent& event) {
     return OnMousePress(widget, event);
   }
+  virtual bool OnFocusIn(QWidget& /*widget*/, QEvent& /*event*/) { return false; }
   /// Any other event.
   virtual bool OnOther(QWidget& /*widget*/, QEvent& /*event*/) { return false; }
 

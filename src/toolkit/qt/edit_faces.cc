@@ -13,15 +13,14 @@
 namespace nimbrel::toolkit::qt {
 namespace {
 
-/// The character that a key types; empty for keys that type none.
+/// The character that a key types; empty for keys that type none. Control with Alt is how some
+/// keyboards report the third level of their keys.
 QString TypedText(const QKeyEvent& event) {
   const QString text = event.text();
-  const Qt::KeyboardModifiers held = event.modifiers() & (Qt::ControlModifier | Qt::AltModifier);
-  // Control with Alt is how some keyboards report the third level of their keys.
-  const bool types = held == Qt::NoModifier || held == (Qt::ControlModifier | Qt::AltModifier);
+  const bool is_command = (event.modifiers() & ~Qt::ShiftModifier) == Qt::ControlModifier;
   const bool is_character =
       !text.isEmpty() && (text.front().isPrint() || text.front().isSurrogate());
-  return types && is_character ? text : QString();
+  return is_character && !is_command ? text : QString();
 }
 
 int CommonPrefix(const QString& a, const QString& b, int limit) {
@@ -66,6 +65,15 @@ class EditLink {
     }
     if (box_.HasFocus()) {
       PaintSelection(text);
+    }
+  }
+
+  /// The line edit takes the focus, and marks nothing by itself.
+  void TakeFocus(QWidget& widget, QEvent& event) {
+    const Painting painting(painting_);
+    static_cast<QObject&>(widget).event(&event);
+    if (box_.HasFocus()) {
+      PaintSelection(line_.text());
     }
   }
 
@@ -196,6 +204,10 @@ class EditFace : public ControlFace {
   }
   bool OnDoubleClick(QWidget& /*widget*/, QMouseEvent& /*event*/) override {
     return !box_.HasFocus();
+  }
+  bool OnFocusIn(QWidget& widget, QEvent& event) override {
+    link_.TakeFocus(widget, event);
+    return true;
   }
   bool OnOther(QWidget& /*widget*/, QEvent& event) override {
     // A drag that began with a refused click marks nothing.

@@ -191,20 +191,26 @@ void FormWindow::Flush() {
   flush_is_due_ = false;
   setWindowTitle(ToQt(form_.Caption()));
   bool moved = false;
+  bool focus = focusWidget() == nullptr;
   for (auto& [control, entry] : faces_) {
     const Changes changes = std::exchange(entry.changes, Changes());
     if (changes.Any()) {
       entry.face->Refresh(changes);
       moved = moved || changes.Has(Property::kPlace) || changes.Has(Property::kVisible);
+      focus = focus || changes.Has(Property::kFocus);
     }
   }
   if (moved) {
     area_.widget()->layout()->invalidate();
   }
-  PlaceFocus();
+  if (focus) {
+    PlaceFocus();
+  }
 }
 
 void FormWindow::PlaceFocus() {
+  // Also after a click it is seen where the keys go.
+  setAttribute(Qt::WA_KeyboardFocusChange);
   const Control* const active = form_.ActiveControl();
   QWidget* const target = active == nullptr ? this : FocusWidgetOf(*active);
   if (target != nullptr && target != focusWidget() && form_.Visible()) {
