@@ -161,13 +161,30 @@ TEST_F(PlanStore, RefusesAnotherProgramsDatabaseAndLeavesIt) {
 
 TEST_F(PlanStore, RefusesTheFileOfANewerProgramAndLeavesIt) {
   SavePlan(MakePlan(1), Path("plan.nplan"));
-  Meddle(Path("plan.nplan"), "PRAGMA user_version = 2");
+  Meddle(Path("plan.nplan"), "PRAGMA user_version = 99");
   const auto before = Files();
   ExpectBadContent(Path("plan.nplan"),
-                   "expected a plan file of version 1, found version 2; a newer program");
-  ExpectError(PlanFileError::Kind::kContent, Path("plan.nplan"), "found version 2",
+                   "expected a plan file of version 1 to 3, found version 99; a newer program");
+  ExpectError(PlanFileError::Kind::kContent, Path("plan.nplan"), "found version 99",
               [&] { SavePlan(MakePlan(1), Path("plan.nplan")); });
   EXPECT_EQ(Files(), before);
+}
+
+TEST_F(PlanStore, ReadsTheFilesOfOlderVersionsAndSavesThemAsNewOnes) {
+  const Plan plan = MakePlan(5);
+  for (const int version : {1, 2}) {
+    SavePlan(plan, Path("plan.nplan"));
+    Meddle(Path("plan.nplan"), "DROP TABLE correlation_members; DROP TABLE correlation_groups");
+    if (version == 1) {
+      Meddle(Path("plan.nplan"), "ALTER TABLE plan DROP COLUMN no_later_holds_early");
+    }
+    Meddle(Path("plan.nplan"), "PRAGMA user_version = " + std::to_string(version));
+    Plan loaded = LoadPlan(Path("plan.nplan"));
+    EXPECT_EQ(loaded, plan) << version;
+    loaded.correlations.push_back({{loaded.tasks()[0].uid, loaded.tasks()[1].uid}, {}, 0.25});
+    SavePlan(loaded, Path("plan.nplan"));
+    EXPECT_EQ(LoadPlan(Path("plan.nplan")), loaded) << version;
+  }
 }
 
 TEST_F(PlanStore, RefusesADamagedFile) {

@@ -213,6 +213,13 @@ void AddTasks(Plan& plan, References& known) {
                           AnyCode(LinkType::kStartToFinish), *rc::gen::arbitrary<std::int32_t>(),
                           AnyCode(LagCalendar::kElapsed)});
   }
+  for (int count = Number(0, 2); count > 0 && known.tasks.size() > 1; --count) {
+    plan.correlations.push_back(
+        {{known.tasks.front(), known.tasks.back()}, {}, Number(-9, 9) / 9.0});
+  }
+  if (Coin()) {
+    plan.correlations.push_back({{}, {AnyText() + "1", AnyText() + "2"}, 0.5});
+  }
   // So that the order is not the order of the numbers, and some numbers are no longer used.
   plan.MoveTaskToEnd(known.tasks.front());
   if (Coin()) {

@@ -127,6 +127,10 @@ void Plan::RemoveTasks(const std::unordered_set<Uid>& uids) {
     return uids.contains(link.predecessor) || uids.contains(link.successor);
   });
   std::erase_if(tasks_, [&uids](const Task& task) { return uids.contains(task.uid); });
+  std::erase_if(correlations, [&uids](CorrelationGroup& group) {
+    std::erase_if(group.tasks, [&uids](Uid uid) { return uids.contains(uid); });
+    return group.calendars.empty() && group.tasks.size() < 2;
+  });
   index_valid_ = false;
 }
 
@@ -213,7 +217,8 @@ bool operator==(const Plan& a, const Plan& b) {
     return std::tie(plan.name, plan.title, plan.start, plan.data_date, plan.time_unit,
                     plan.hours_per_day, plan.date_format, plan.default_calendar,
                     plan.recalculate_after_move, plan.schedule, plan.calendars, plan.risk_calendars,
-                    plan.links, plan.custom_fields, plan.options, plan.tasks_, plan.next_uid_);
+                    plan.links, plan.custom_fields, plan.correlations, plan.options, plan.tasks_,
+                    plan.next_uid_);
   };
   return fields(a) == fields(b);
 }

@@ -11,6 +11,7 @@
 
 #include "engine/calendar/calendar_definition.h"
 #include "engine/calendar/instant.h"
+#include "engine/plan/correlation_group.h"
 #include "platform/variant.h"
 
 namespace nimbrel::engine {
@@ -229,6 +230,9 @@ class Plan {
   std::vector<RiskCalendarDefinition> risk_calendars;
   std::vector<Link> links;
   std::vector<CustomField> custom_fields;
+  /// Sampled values that go together. Tasks that are removed leave them; a group that is left with
+  /// one member goes.
+  std::vector<CorrelationGroup> correlations;
   /// Options by section, group and key, each compared exactly.
   std::map<std::array<std::string, 3>, std::string> options;
 

@@ -153,6 +153,9 @@ class Search {
     for (std::size_t i = 0; i < plan_.links.size(); ++i) {
       CheckLink("link " + std::to_string(i + 1), plan_.links[i]);
     }
+    for (std::size_t i = 0; i < plan_.correlations.size(); ++i) {
+      CheckCorrelation("correlation group " + std::to_string(i + 1), plan_.correlations[i]);
+    }
   }
 
  private:
@@ -304,6 +307,27 @@ class Search {
     tasks_.Require(where, "a successor", link.successor);
     RequireCode(where, "a type", link.type, LinkType::kStartToFinish);
     RequireCode(where, "a calendar for the lag", link.lag_calendar, LagCalendar::kElapsed);
+  }
+
+  void CheckCorrelation(const std::string& where, const CorrelationGroup& group) const {
+    RequireBetween(where, "a coefficient", group.coefficient, -1, 1);
+    if (group.tasks.empty() == group.calendars.empty()) {
+      Report(where, "tasks or calendars", group.tasks.empty() ? "neither" : "both");
+    }
+    if (group.tasks.size() + group.calendars.size() < 2) {
+      Report(where, "two members or more", "one");
+    }
+    std::unordered_set<Uid> tasks;
+    for (const Uid uid : group.tasks) {
+      if (uid == 0 || !tasks.insert(uid).second) {
+        Report(where, "each task once", "number " + std::to_string(uid));
+      }
+      tasks_.Require(where, "a task", uid);
+    }
+    Names names;
+    for (const std::string& name : group.calendars) {
+      names.Add(where, name);
+    }
   }
 
   const Plan& plan_;

@@ -122,12 +122,13 @@ Task& TaskOf(Rows& rows, Plan& plan) {
   return *task;
 }
 
-void ReadProperties(const SqliteDatabase& database, Plan& plan) {
+void ReadProperties(const SqliteDatabase& database, std::int64_t version, Plan& plan) {
   Rows rows(database, "plan",
             "next_uid, name, title, start, data_date, time_unit, hours_per_day, date_format, "
             "default_calendar, recalculate_after_move, progress_rule, float_rule, "
             "remaining_from_data_date, lag_from_early_start, must_finish, critical_float_minutes, "
-            "critical_by_longest_path, open_ends_critical, no_later_holds_early",
+            "critical_by_longest_path, open_ends_critical, " +
+                std::string(version >= 2 ? "no_later_holds_early" : "0"),
             "id");
   if (!rows.Next()) {
     throw UnexpectedValue("table plan: expected one row, found none");
@@ -325,17 +326,41 @@ void ReadLinks(const SqliteDatabase& database, Plan& plan) {
   }
 }
 
+void ReadCorrelations(const SqliteDatabase& database, Plan& plan) {
+  Rows groups(database, "correlation_groups", "coefficient", "position");
+  while (groups.Next()) {
+    plan.correlations.emplace_back().coefficient = groups.Real();
+  }
+  Rows members(database, "correlation_members", "correlation_group, task, calendar",
+               "correlation_group, position");
+  while (members.Next()) {
+    const std::int32_t number = members.Integer();
+    if (number < 0 || static_cast<std::size_t>(number) >= plan.correlations.size()) {
+      members.RefuseLast("a correlation group that is in the plan");
+    }
+    CorrelationGroup& group = plan.correlations[static_cast<std::size_t>(number)];
+    if (const Uid task = members.Reference(); task != 0) {
+      group.tasks.push_back(task);
+    } else {
+      group.calendars.push_back(members.Text());
+    }
+  }
+}
+
 }  // namespace
 
-Plan ReadPlanRows(const SqliteDatabase& database) {
+Plan ReadPlanRows(const SqliteDatabase& database, std::int64_t version) {
   Plan plan;
-  ReadProperties(database, plan);
+  ReadProperties(database, version, plan);
   ReadCalendars(database, plan);
   ReadTasks(database, plan);
   ReadEstimates(database, plan);
   ReadTaskDates(database, plan);
   ReadTaskLists(database, plan);
   ReadLinks(database, plan);
+  if (version >= 3) {
+    ReadCorrelations(database, plan);
+  }
   return plan;
 }
 

@@ -234,6 +234,23 @@ void WriteTasks(const SqliteDatabase& database, const Plan& plan) {
   }
 }
 
+void WriteCorrelations(const SqliteDatabase& database, const Plan& plan) {
+  Row groups(database, "correlation_groups", 2);
+  Row members(database, "correlation_members", 4);
+  std::int64_t number = 0;
+  for (const CorrelationGroup& group : plan.correlations) {
+    groups.Integer(number).Real(group.coefficient).Put();
+    std::int64_t position = 0;
+    for (const Uid task : group.tasks) {
+      members.Integer(number).Integer(position++).Integer(task).Null().Put();
+    }
+    for (const std::string& calendar : group.calendars) {
+      members.Integer(number).Integer(position++).Null().Text(calendar).Put();
+    }
+    ++number;
+  }
+}
+
 }  // namespace
 
 void WritePlanRows(const SqliteDatabase& database, const Plan& plan) {
@@ -241,6 +258,7 @@ void WritePlanRows(const SqliteDatabase& database, const Plan& plan) {
   WriteRiskCalendars(database, plan);
   WriteProperties(database, plan);
   WriteTasks(database, plan);
+  WriteCorrelations(database, plan);
 }
 
 }  // namespace nimbrel::engine

@@ -62,8 +62,9 @@ PlanFileError Explain(const SqliteError& error, const std::string& path,
                                             error.what()));
 }
 
-/// Raises PlanFileError unless the open file is a plan file that this program knows.
-void RequirePlanFile(SqliteDatabase& database, const std::string& path) {
+/// The version of the open file. Raises PlanFileError unless it is a plan file that this program
+/// knows.
+std::int64_t RequirePlanFile(SqliteDatabase& database, const std::string& path) {
   const std::int64_t application = database.Number("PRAGMA application_id");
   if (application != kPlanApplicationId) {
     throw BadContent(path, fmt::format("expected a plan file (application id {}), found an SQLite "
@@ -71,12 +72,13 @@ void RequirePlanFile(SqliteDatabase& database, const std::string& path) {
                                        kPlanApplicationId, application));
   }
   const std::int64_t version = database.Number("PRAGMA user_version");
-  if (version != kPlanSchemaVersion) {
+  if (version < 1 || version > kPlanSchemaVersion) {
     throw BadContent(
-        path, fmt::format("expected a plan file of version {}, found version {}{}",
+        path, fmt::format("expected a plan file of version 1 to {}, found version {}{}",
                           kPlanSchemaVersion, version,
                           version > kPlanSchemaVersion ? "; a newer program has written it" : ""));
   }
+  return version;
 }
 
 void RequireRegularFile(const std::string& path) {
@@ -206,8 +208,7 @@ Plan LoadPlan(const std::string& path) {
   try {
     SqliteDatabase database(path);
     database.Execute("BEGIN");  // all tables as they are at one moment
-    RequirePlanFile(database, path);
-    plan = ReadPlanRows(database);
+    plan = ReadPlanRows(database, RequirePlanFile(database, path));
   } catch (const SqliteError& error) {
     throw Explain(error, path, "read");
   } catch (const UnexpectedValue& error) {

@@ -8,7 +8,9 @@ namespace nimbrel::engine {
 namespace {
 
 /// The tables, those that refer to others before those they refer to.
-constexpr const char* kTables[] = {"links",
+constexpr const char* kTables[] = {"correlation_members",
+                                   "correlation_groups",
+                                   "links",
                                    "risk_assignments",
                                    "custom_values",
                                    "user_values",
@@ -200,6 +202,20 @@ CREATE TABLE links (
   lag_minutes INTEGER NOT NULL,
   lag_calendar INTEGER NOT NULL
 ) STRICT;
+
+CREATE TABLE correlation_groups (
+  position INTEGER PRIMARY KEY,
+  coefficient ANY NOT NULL CHECK (typeof(coefficient) = 'real')
+) STRICT;
+
+CREATE TABLE correlation_members (  -- a task, or a calendar by its name
+  correlation_group INTEGER NOT NULL REFERENCES correlation_groups (position),
+  position INTEGER NOT NULL,
+  task INTEGER REFERENCES tasks (uid),
+  calendar TEXT,
+  PRIMARY KEY (correlation_group, position),
+  CHECK ((task IS NULL) <> (calendar IS NULL))
+) STRICT, WITHOUT ROWID;
 )sql";
 
 }  // namespace
