@@ -30,10 +30,10 @@ class EmbeddedHostUnderTest : public HostUnderTest {
     engine::RunStream stream(seed);
     host_->SetRandomStream(&stream);
     host_->RaisePlanBeforeRiskAnalysis();
-    const engine::Sampler sampler(host_->document());
+    engine::Sampler sampler(host_->document(), {.seed = seed});
     sampler.Prepare(host_->samples());
     for (std::int32_t iteration = 1; iteration <= iterations; ++iteration) {
-      sampler.Sample(seed, iteration, host_->samples());
+      sampler.Sample(iteration, host_->samples());
       stream.Begin(iteration);
       host_->BeginIteration();
       host_->RaisePlanBeforeRiskIteration(iteration);

@@ -25,10 +25,10 @@ struct Drawn {
 
 Drawn Draw(const Plan& plan, const std::string& id, std::int32_t iteration,
            std::uint64_t seed = 1) {
-  const Sampler sampler(plan);
+  Sampler sampler(plan, {.seed = seed});
   IterationSamples samples;
   sampler.Prepare(samples);
-  sampler.Sample(seed, iteration, samples);
+  sampler.Sample(iteration, samples);
   const auto position = static_cast<std::size_t>(plan.IndexOf(plan.FindTask(id)->uid));
   return {samples.units[position], samples.skipped[position] != 0};
 }
@@ -57,10 +57,10 @@ TEST(Sampler, ASampleIsTheInverseOfTheNumberThatBelongsToTheTask) {
     plan.AddTask("T" + std::to_string(i),
                  {1.0 + i % 7, 4.0 + i % 5, 9.0 + i % 11, static_cast<Shape>(i % 4)});
   }
-  const Sampler sampler(plan.plan);
+  Sampler sampler(plan.plan, {.seed = 9});
   IterationSamples samples;
   sampler.Prepare(samples);
-  sampler.Sample(9, 3, samples);
+  sampler.Sample(3, samples);
   PertTables tables;
   for (std::size_t i = 0; i < 200; ++i) {
     const Task& task = plan.plan.tasks()[i];

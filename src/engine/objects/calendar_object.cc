@@ -63,6 +63,9 @@ void CalendarObject::SetDays(Long status, Date from, Date to) {
   if (removed_ != nullptr) {
     (status == 0 ? TakeRange : GiveRange)(data.taken, first, last);
   } else if (status == 0) {
+    if (IterationWitness* witness = session().witness()) {
+      witness->DaysTaken(position_, first, last);
+    }
     journal_.Take(first, last);
     session().DaysTaken(position_, first, last);
   } else {

@@ -48,6 +48,7 @@ void Host::Close() {
   if (session_) {
     // Objects of the plan may be held for longer than the stream lives.
     session_->SetRandomStream(nullptr);
+    session_->SetWitness(nullptr);
     session_ = nullptr;
   }
 }
@@ -92,6 +93,22 @@ void Host::ApplySamples() {
 
 void Host::ScheduleIteration() {
   session().ScheduleIteration();
+}
+
+void Host::ScheduleAgain() {
+  session().ScheduleAgain();
+}
+
+void Host::SetConstraint(Uid task, const Constraint& constraint) {
+  session().SetConstraint(task, constraint);
+}
+
+const Constraint& Host::constraint(Uid task) const {
+  return session().plan().FindTask(task)->constraint;
+}
+
+void Host::SetWitness(IterationWitness* witness) {
+  session().SetWitness(witness);
 }
 
 void Host::SetRandomStream(RandomStream* stream) {

@@ -29,6 +29,18 @@ struct IterationSamples {
   std::vector<std::uint8_t> skipped;  // 1 for a task that does not occur in this iteration
 };
 
+/// Hears what the receivers of an iteration's events do, for those who tell its story. What it is
+/// told is valid for the call.
+class IterationWitness {
+ public:
+  virtual ~IterationWitness() = default;
+
+  /// A task's SampledDuration was read.
+  virtual void SampleRead(const Task& task) = 0;
+  /// The days from `first` to `last` are about to be taken from a calendar.
+  virtual void DaysTaken(CalendarIndex calendar, std::int32_t first, std::int32_t last) = 0;
+};
+
 /// The embedded host: the object model over one plan document, with its scheduler.
 ///
 /// All objects of the model belong to the open plan, which lives as long as the host has it open or
@@ -84,6 +96,14 @@ class Host final : public Corvane8::Application {
   void ApplySamples();
   /// ApplySamples, then a whole forward pass. Raises SchedulingError.
   void ScheduleIteration();
+  /// A whole forward pass on the samples, constraints and days as the scheduler has them now. Raises
+  /// SchedulingError.
+  void ScheduleAgain();
+  /// Gives a task another primary constraint; schedules nothing.
+  void SetConstraint(Uid task, const Constraint& constraint);
+  const Constraint& constraint(Uid task) const;
+  /// Who hears what receivers do from now on; stays the caller's. Null: nobody.
+  void SetWitness(IterationWitness* witness);
   /// Where RiskAnalysis.Rnd takes its numbers from, until the plan is closed or the host ends;
   /// stays the caller's. Null for the host's own stream: a fixed sequence that begins anew at each
   /// call with null, for use outside a run.

@@ -346,6 +346,13 @@ void PlanSession::ScheduleIteration() {
   Schedule(false);
 }
 
+void PlanSession::SetConstraint(Uid task, const Constraint& constraint) {
+  const std::int32_t position = plan_.IndexOf(task);
+  Task& data = *plan_.FindTask(task);
+  data.constraint = constraint;
+  ConstraintChanged(data, position);
+}
+
 void PlanSession::SetRandomStream(RandomStream* stream) {
   random_ = stream;
   if (stream == nullptr) {

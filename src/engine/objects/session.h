@@ -116,6 +116,11 @@ class PlanSession final : public platform::Object {
   bool in_iteration() const { return in_iteration_; }
   void ApplySamples();
   void ScheduleIteration();
+  void ScheduleAgain() { Schedule(false); }
+  void SetConstraint(Uid task, const Constraint& constraint);
+  void SetWitness(IterationWitness* witness) { witness_ = witness; }
+  /// Null unless someone wants to hear.
+  IterationWitness* witness() const { return witness_; }
   void SetRandomStream(RandomStream* stream);
   RandomStream& random() { return random_ != nullptr ? *random_ : default_random_; }
   /// False outside an iteration and for a task that is not in the plan (position -1).
@@ -150,6 +155,7 @@ class PlanSession final : public platform::Object {
   bool in_iteration_ = false;
   bool sampled_ = false;  // scheduler_ has the durations of an iteration
   RandomStream* random_ = nullptr;
+  IterationWitness* witness_ = nullptr;
   DefaultRandomStream default_random_;
 
   // By position in the document; an object is made when it is first asked for.

@@ -67,6 +67,9 @@ bool TaskObject::get_SkipInIteration() {
 
 Long TaskObject::get_SampledDuration() {
   const engine::Task& data = Data();
+  if (IterationWitness* witness = session().witness()) {
+    witness->SampleRead(data);
+  }
   return platform::ToLong(session().SampledUnits(data, position_));
 }
 

@@ -1,11 +1,15 @@
 #include "engine/risk/collect.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
 #include <span>
 #include <vector>
+
+#include "engine/risk/sensitivity.h"
+#include "engine/risk/until.h"
 
 namespace nimbrel::engine {
 namespace {
@@ -38,7 +42,7 @@ class ColumnReader {
   /// Calls `take(task, starts, finishes)` for each task in order.
   template <class Take>
   void Read(Take&& take) {
-    const auto tasks = static_cast<std::int32_t>(context_.layout.tasks.size());
+    const auto tasks = static_cast<std::int32_t>(context_.inputs.layout.tasks.size());
     for (TaskIndex first = 0; first < tasks; first += block_) {
       const std::int32_t size = std::min(block_, tasks - first);
       ReadBlock(first, size);
@@ -89,8 +93,33 @@ std::vector<Sum> AddUp(std::int32_t workers, std::size_t size, Part&& part) {
   return sums;
 }
 
-void CollectTasks(const RunContext& context, RunResult& result) {
-  const RunLayout& layout = context.layout;
+/// Standard deviation of the times from start to finish in calendar days, with N - 1 as divisor.
+double ElapsedDeviation(std::span<const Instant> starts, std::span<const Instant> finishes) {
+  const std::size_t count = starts.size();
+  if (count < 2) {
+    return 0.0;
+  }
+  const auto elapsed = [&](std::size_t i) {
+    return static_cast<double>((finishes[i].day() - starts[i].day()) * kMinutesPerDay +
+                               finishes[i].minute() - starts[i].minute());
+  };
+  const double base = elapsed(0);
+  double sum = 0.0;
+  double squares = 0.0;
+  for (std::size_t i = 1; i < count; ++i) {
+    const double above = elapsed(i) - base;
+    sum += above;
+    squares += above * above;
+  }
+  const auto n = static_cast<double>(count);
+  return std::sqrt(std::max(squares - sum * sum / n, 0.0) / (n - 1.0)) / kMinutesPerDay;
+}
+
+/// Of the targets, the finishes by iteration.
+using TargetFinishes = std::vector<std::vector<Instant>>;
+
+TargetFinishes CollectTasks(const RunContext& context, RunResult& result) {
+  const RunLayout& layout = context.inputs.layout;
   const std::int32_t workers = context.board.extent().workers;
   const auto count = static_cast<double>(result.iterations());
   const auto driving = AddUp<std::uint64_t>(
@@ -103,6 +132,7 @@ void CollectTasks(const RunContext& context, RunResult& result) {
   for (const TaskIndex task : layout.asked) {
     result.samples.push_back({.task = layout.tasks[Index(task)], .start = {}, .finish = {}});
   }
+  TargetFinishes targets(layout.targets.size());
   DateSummarizer summarizer;
   ColumnReader reader(context, result.iteration_numbers.size());
   reader.Read(
@@ -112,6 +142,12 @@ void CollectTasks(const RunContext& context, RunResult& result) {
         into.start = summarizer.PercentileOf(starts, 50);
         into.finish = summarizer.Summarize(finishes, true);
         into.criticality = count > 0 ? static_cast<double>(driving[Index(task)]) / count : 0.0;
+        into.elapsed_sd_days = ElapsedDeviation(starts, finishes);
+        for (std::size_t i = 0; i < targets.size(); ++i) {
+          if (layout.targets[i] == task) {
+            targets[i].assign(finishes.begin(), finishes.end());
+          }
+        }
         for (std::size_t i = 0; i < layout.asked.size(); ++i) {
           if (layout.asked[i] == task) {
             result.samples[i].start.assign(starts.begin(), starts.end());
@@ -123,21 +159,104 @@ void CollectTasks(const RunContext& context, RunResult& result) {
     result.tasks[Index(layout.no_split[i])].nosplit_pushed_days =
         static_cast<double>(pushed[i]) / (count * kMinutesPerDay);
   }
+  return targets;
+}
+
+/// What the durations have to do with the plan's finish and with the targets'.
+void CollectSensitivities(const RunContext& context, const TargetFinishes& targets,
+                          RunResult& result) {
+  const RunLayout& layout = context.inputs.layout;
+  Sampler sampler(context.inputs.plan, layout.design,
+                  layout.tied.has_value() ? &*layout.tied : nullptr);
+  std::vector<std::vector<double>> columns = {GradesOf(result.finish_samples)};
+  for (const std::vector<Instant>& finishes : targets) {
+    columns.push_back(GradesOf(finishes));
+  }
+  const auto correlations = GradeCorrelations(sampler, result.iteration_numbers, columns);
+  const auto count = static_cast<double>(result.iterations());
+  result.targets.resize(targets.size());
+  for (std::size_t i = 0; i < targets.size(); ++i) {
+    result.targets[i].task = layout.tasks[Index(layout.targets[i])];
+    result.targets[i].drives.resize(layout.tasks.size());
+    const auto driving = AddUp<std::uint64_t>(
+        context.board.extent().workers, layout.tasks.size(),
+        [&](std::int32_t worker) { return context.board.target_driving(worker, i); });
+    for (std::size_t task = 0; task < layout.tasks.size() && count > 0; ++task) {
+      result.targets[i].drives[task].criticality = static_cast<double>(driving[task]) / count;
+    }
+  }
+  for (std::size_t task = 0; task < layout.tasks.size(); ++task) {
+    const auto position = Index(context.inputs.plan.IndexOf(layout.tasks[task]));
+    result.tasks[task].sensitivity = correlations[0][position];
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+      result.targets[i].drives[task].sensitivity = correlations[i + 1][position];
+    }
+  }
+}
+
+/// In how many iterations a calendar lost each day, without the days before the first such day and
+/// after the last.
+void CollectDayCounts(const RunContext& context, std::size_t calendar, CalendarResult& into) {
+  const std::size_t days = context.board.day_counts(0, calendar).size();
+  const auto counts = AddUp<std::uint32_t>(
+      context.board.extent().workers, days,
+      [&](std::int32_t worker) { return context.board.day_counts(worker, calendar); });
+  const auto is_lost = [](std::uint32_t count) { return count > 0; };
+  const auto first = std::find_if(counts.begin(), counts.end(), is_lost);
+  const auto last = std::find_if(counts.rbegin(), counts.rend(), is_lost).base();
+  if (first < last) {
+    into.first_day = kFirstCoveredDay + static_cast<std::int32_t>(first - counts.begin());
+    into.day_counts.assign(first, last);
+  }
+}
+
+void CollectAttribution(const RunContext& context, const std::vector<std::int32_t>& iterations,
+                        RunResult& result) {
+  const RunLayout& layout = context.inputs.layout;
+  AttributionResult& into = result.attribution.emplace();
+  const auto column = [&](std::int32_t variant) {
+    if (variant < 0) {
+      return result.finish_samples;
+    }
+    std::vector<Instant> finishes;
+    for (const std::int32_t iteration : iterations) {
+      finishes.push_back(context.board.variant_finishes(iteration)[Index(variant)]);
+    }
+    return finishes;
+  };
+  into.none = column(0);
+  into.ledger.resize(layout.calendars.size());
+  for (std::size_t i = 0; i < layout.calendars.size(); ++i) {
+    into.left_out.push_back(column(layout.VariantOf(i, false)));
+    into.alone.push_back(column(layout.VariantOf(i, true)));
+    for (std::int32_t worker = 0; worker < context.board.extent().workers; ++worker) {
+      const LedgerResult& part = context.board.ledger(worker)[i];
+      LedgerResult& sum = into.ledger[i];
+      sum.lost += part.lost;
+      sum.off += part.off;
+      sum.idle += part.idle;
+      sum.absorbed += part.absorbed;
+      sum.moving += part.moving;
+    }
+  }
 }
 
 void CollectCalendars(const RunContext& context, const std::vector<std::int32_t>& iterations,
                       RunResult& result) {
   std::vector<std::int64_t> lost(iterations.size());
-  for (std::size_t i = 0; i < context.layout.calendars.size(); ++i) {
-    const WeatherCalendar& calendar = context.layout.calendars[i];
-    const CalendarDefinition& definition = context.plan.calendars[Index(calendar.index)];
+  for (std::size_t i = 0; i < context.inputs.layout.calendars.size(); ++i) {
+    const WeatherCalendar& calendar = context.inputs.layout.calendars[i];
+    const CalendarDefinition& definition = context.inputs.plan.calendars[Index(calendar.index)];
     std::transform(iterations.begin(), iterations.end(), lost.begin(), [&](std::int32_t k) {
       return std::int64_t{context.board.lost_days(k)[i]} * kMinutesPerDay;
     });
     result.calendars.push_back({.calendar = definition.uid,
                                 .name = definition.name,
                                 .kind = calendar.kind,
-                                .lost_days = SummarizeMinutes(lost)});
+                                .lost_days = SummarizeMinutes(lost),
+                                .first_day = 0,
+                                .day_counts = {}});
+    CollectDayCounts(context, i, result.calendars.back());
   }
 }
 
@@ -147,20 +266,30 @@ RunResult Collect(const RunContext& context) {
   const std::vector<std::int32_t> iterations = IterationsDone(context.board);
   RunResult result;
   result.version = NIMBREL_VERSION;
-  result.seed = context.options.seed;
-  result.iterations_asked = context.options.iterations;
-  result.deterministic_finish = context.layout.deterministic_finish;
+  result.seed = context.inputs.options.seed;
+  result.iterations_asked = context.inputs.options.iterations;
+  result.deterministic_finish = context.inputs.layout.deterministic_finish;
   result.iteration_numbers.reserve(iterations.size());
   result.finish_samples.reserve(iterations.size());
   for (const std::int32_t iteration : iterations) {
     result.iteration_numbers.push_back(iteration + 1);
     result.finish_samples.push_back(context.board.finish(iteration));
   }
-  result.stopped = result.iterations() < result.iterations_asked;
+  result.stopped = result.iterations() < context.board.iterations_planned();
+  result.latin_hypercube = context.inputs.options.sampling == Sampling::kLatinHypercube;
+  result.notes = context.inputs.layout.notes;
+  if (const double days = context.inputs.options.until_days; days > 0) {
+    const double width = WidthOfP80(result.finish_samples);
+    result.until = {days, width, !result.stopped && width <= days};
+  }
   result.finish = DateSummarizer().Summarize(result.finish_samples, true);
   if (context.dates != nullptr) {
-    CollectTasks(context, result);
+    const TargetFinishes targets = CollectTasks(context, result);
+    CollectSensitivities(context, targets, result);
     CollectCalendars(context, iterations, result);
+    if (context.inputs.options.attribute) {
+      CollectAttribution(context, iterations, result);
+    }
   }
   return result;
 }

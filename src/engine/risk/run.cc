@@ -11,6 +11,7 @@
 #include "engine/risk/run_failure.h"
 #include "engine/risk/run_layout.h"
 #include "engine/risk/run_worker.h"
+#include "engine/risk/until.h"
 #include "engine/risk/worker_group.h"
 
 namespace nimbrel::engine {
@@ -34,20 +35,22 @@ void RaiseFirstFailure(const RunBoard& board) {
 }
 
 void ReportProgress(const RunContext& context) {
-  if (context.wiring.progress) {
-    context.wiring.progress(context.board.iterations_done(), context.options.iterations);
+  if (context.inputs.wiring.progress) {
+    context.inputs.wiring.progress(context.board.iterations_done(),
+                                   context.inputs.options.iterations);
   }
 }
 
 /// Runs all iterations in processes of their own and waits for their end.
 void RunInProcesses(const RunContext& context) {
+  const RunWiring& wiring = context.inputs.wiring;
   WorkerGroup group(context.board.extent().workers,
                     [&context](std::int32_t number) { RunWorker(context, number).Work({}, {}); });
   // A person sees progress, and a stop is heard, within this time.
   constexpr int kWaitMilliseconds = 100;
   std::int32_t reported = 0;
   while (group.Wait(kWaitMilliseconds)) {
-    if (!group.deaths().empty() || (context.wiring.cancelled && context.wiring.cancelled())) {
+    if (!group.deaths().empty() || (wiring.cancelled && wiring.cancelled())) {
       context.board.Stop();
     }
     if (reported != context.board.iterations_done()) {
@@ -74,15 +77,17 @@ RunResult RunOnce(const Plan& plan, const RunOptions& options, const RunWiring& 
                   .workers = std::min({options.workers, tiles, kMaxWorkers}),
                   .tasks = tasks,
                   .calendars = static_cast<std::int32_t>(layout.calendars.size()),
-                  .no_split = static_cast<std::int32_t>(layout.no_split.size())});
+                  .no_split = static_cast<std::int32_t>(layout.no_split.size()),
+                  .targets = static_cast<std::int32_t>(layout.targets.size()),
+                  .variants = static_cast<std::int32_t>(layout.variants.size())});
+  if (options.until_days > 0) {
+    board.LimitTiles(std::min(kFirstCheckTiles, tiles));
+  }
   std::optional<DateFile> dates;
   if (extent == Extent::kEverything) {
     dates.emplace(tasks);
   }
-  const RunContext context{.plan = plan,
-                           .options = options,
-                           .wiring = wiring,
-                           .layout = layout,
+  const RunContext context{.inputs = {plan, options, wiring, layout},
                            .board = board,
                            .dates = dates.has_value() ? &*dates : nullptr};
   if (board.extent().workers == 1) {
@@ -126,11 +131,26 @@ ComparedResult RunWithAndWithout(const Plan& plan, const RunOptions& options,
     };
   };
   ComparedResult result;
+  // How many iterations an interval takes is for the run with weather to find.
+  const bool with_first = options.until_days > 0;
+  RunWiring with = wiring;
+  with.progress = progress_from(with_first ? 0 : options.iterations);
   RunWiring without = wiring;
   without.attach = nullptr;
-  without.progress = progress_from(0);
-  result.without_weather = RunOnce(plan, options, without, Extent::kFinishOnly);
-  if (result.without_weather.stopped) {
+  without.progress = progress_from(with_first ? options.iterations : 0);
+  RunOptions finish_only = options;
+  finish_only.until_days = 0;
+  finish_only.attribute = false;
+  if (with_first) {
+    result.with_weather = RunOnce(plan, options, with, Extent::kEverything);
+    if (result.with_weather.stopped) {
+      return result;
+    }
+    finish_only.iterations = result.with_weather.iterations();
+    finish_only.strata = options.iterations;
+  }
+  result.without_weather = RunOnce(plan, finish_only, without, Extent::kFinishOnly);
+  if (!with_first && result.without_weather.stopped) {
     result.with_weather.version = result.without_weather.version;
     result.with_weather.seed = options.seed;
     result.with_weather.iterations_asked = options.iterations;
@@ -138,9 +158,9 @@ ComparedResult RunWithAndWithout(const Plan& plan, const RunOptions& options,
     result.with_weather.deterministic_finish = result.without_weather.deterministic_finish;
     return result;
   }
-  RunWiring with = wiring;
-  with.progress = progress_from(options.iterations);
-  result.with_weather = RunOnce(plan, options, with, Extent::kEverything);
+  if (!with_first) {
+    result.with_weather = RunOnce(plan, options, with, Extent::kEverything);
+  }
   result.delay_minutes = DelaysOf(result.with_weather, result.without_weather);
   result.delay = SummarizeMinutes(result.delay_minutes);
   return result;

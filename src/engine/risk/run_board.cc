@@ -25,6 +25,12 @@ void RunBoard::PlaceAll(std::size_t& size) {
   tile_done_ = Place<std::int32_t>(size, Index(tiles()));
   finish_ = Place<Instant>(size, iterations);
   lost_days_ = Place<std::int32_t>(size, iterations * Index(extent_.calendars));
+  variant_finishes_ = Place<Instant>(size, iterations * Index(extent_.variants));
+  // Most of these pages are never touched.
+  day_counts_ = Place<std::uint32_t>(size, workers * Index(extent_.calendars) * kCoveredDays);
+  ledger_ = Place<LedgerResult>(size, workers * Index(extent_.calendars));
+  target_driving_ =
+      Place<std::uint32_t>(size, workers * Index(extent_.targets) * Index(extent_.tasks));
   driving_ = Place<std::uint32_t>(size, workers * Index(extent_.tasks));
   pushed_minutes_ = Place<std::int64_t>(size, workers * Index(extent_.no_split));
   failures_ = Place<RunFailure>(size, workers);
@@ -48,12 +54,20 @@ RunBoard::~RunBoard() {
 }
 
 std::int32_t RunBoard::ClaimTile() {
-  if (control_->stop.load() ||
+  if (control_->stop.load() || control_->ends_at_limit.load() ||
       control_->failed_tile.load() != std::numeric_limits<std::int32_t>::max()) {
-    return -1;
+    return kNone;
   }
-  const std::int32_t tile = control_->next_tile.fetch_add(1);
-  return tile < tiles() ? tile : -1;
+  std::int32_t tile = control_->next_tile.load();
+  do {
+    if (tile >= tiles()) {
+      return kNone;
+    }
+    if (tile >= control_->tile_limit.load()) {
+      return kNotYet;
+    }
+  } while (!control_->next_tile.compare_exchange_weak(tile, tile + 1));
+  return tile;
 }
 
 void RunBoard::Fail(std::int32_t worker, std::int32_t tile, const RunFailure& failure) {

@@ -20,6 +20,15 @@ void CheckOptions(const RunOptions& options) {
     throw std::invalid_argument(
         fmt::format("A run has at least one worker, not {}.", options.workers));
   }
+  if (options.strata != 0 &&
+      (options.strata < options.iterations || options.strata > kMaxIterations)) {
+    throw std::invalid_argument(fmt::format("A run of {} iterations has no {} strata.",
+                                            options.iterations, options.strata));
+  }
+  if (!(options.until_days >= 0)) {
+    throw std::invalid_argument(
+        fmt::format("The width of an interval is 0 days or more, not {}.", options.until_days));
+  }
 }
 
 CalendarIndex PositionOf(const Plan& plan, Uid calendar) {
@@ -46,15 +55,58 @@ std::vector<WeatherCalendar> FindWeatherCalendars(const Plan& plan, const RunWir
     }
     if (std::string kind = wiring.calendar_kind(plan, task); !kind.empty()) {
       const WorkCalendar days(plan.calendars[static_cast<std::size_t>(index)]);
-      calendars.push_back({.index = index,
-                           .kind = std::move(kind),
-                           .open_days = days.open().Count(kFirstCoveredDay, kLastCoveredDay)});
+      calendars.push_back({.index = index, .kind = std::move(kind), .open = days.open()});
     }
   }
   return calendars;
 }
 
+/// The positions of tasks that were named. Raises std::invalid_argument for one without dates.
+std::vector<TaskIndex> IndicesOf(const Plan& plan, const Scheduler& scheduler,
+                                 const std::vector<Uid>& tasks) {
+  std::vector<TaskIndex> indices;
+  for (const Uid uid : tasks) {
+    indices.push_back(scheduler.IndexOf(uid));
+    if (indices.back() < 0) {
+      const Task* task = plan.FindTask(uid);
+      throw std::invalid_argument(task == nullptr ? fmt::format("The plan has no task {}.", uid)
+                                                  : fmt::format("Task {} has no dates: it only "
+                                                                "carries weather.",
+                                                                task->id));
+    }
+  }
+  return indices;
+}
+
+/// None, each alone, and all but each, without repeating one or all of them.
+std::vector<Variant> MakeVariants(std::size_t calendars) {
+  std::vector<Variant> variants = {{std::vector<bool>(calendars, false)}};
+  if (calendars < 2) {
+    return variants;
+  }
+  for (std::size_t i = 0; i < calendars; ++i) {
+    variants.push_back(variants.front());
+    variants.back().takes_effect[i] = true;
+  }
+  for (std::size_t i = 0; calendars > 2 && i < calendars; ++i) {
+    variants.push_back({std::vector<bool>(calendars, true)});
+    variants.back().takes_effect[i] = false;
+  }
+  return variants;
+}
+
 }  // namespace
+
+std::int32_t RunLayout::VariantOf(std::size_t calendar, bool alone) const {
+  std::vector<bool> wanted(calendars.size(), !alone);
+  wanted[calendar] = alone;
+  for (std::size_t i = 0; i < variants.size(); ++i) {
+    if (variants[i].takes_effect == wanted) {
+      return static_cast<std::int32_t>(i);
+    }
+  }
+  return -1;
+}
 
 RunLayout MakeRunLayout(const Plan& plan, const RunOptions& options, const RunWiring& wiring) {
   CheckOptions(options);
@@ -72,17 +124,19 @@ RunLayout MakeRunLayout(const Plan& plan, const RunOptions& options, const RunWi
       layout.no_split.push_back(task);
     }
   }
-  for (const Uid uid : options.asked) {
-    layout.asked.push_back(scheduler.IndexOf(uid));
-    if (layout.asked.back() < 0) {
-      const Task* task = plan.FindTask(uid);
-      throw std::invalid_argument(task == nullptr ? fmt::format("The plan has no task {}.", uid)
-                                                  : fmt::format("Task {} has no dates: it only "
-                                                                "carries weather.",
-                                                                task->id));
-    }
+  layout.asked = IndicesOf(plan, scheduler, options.asked);
+  layout.targets = IndicesOf(plan, scheduler, options.targets);
+  layout.design = {options.seed, options.sampling,
+                   options.strata > 0 ? options.strata : options.iterations};
+  if (!plan.correlations.empty()) {
+    Correlation correlation = MakeCorrelation(plan, wiring.together);
+    layout.notes = correlation.notes;
+    layout.tied.emplace(std::move(correlation), layout.design);
   }
   layout.calendars = FindWeatherCalendars(plan, wiring);
+  if (options.attribute) {
+    layout.variants = MakeVariants(layout.calendars.size());
+  }
   return layout;
 }
 

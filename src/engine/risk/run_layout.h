@@ -1,11 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "engine/calendar/day_bits.h"
 #include "engine/plan/plan.h"
 #include "engine/risk/run.h"
+#include "engine/risk/tied_numbers.h"
 #include "engine/schedule/scheduler.h"
 
 namespace nimbrel::engine {
@@ -14,7 +17,12 @@ namespace nimbrel::engine {
 struct WeatherCalendar {
   CalendarIndex index = 0;
   std::string kind;
-  std::int32_t open_days = 0;  // days with work as long as no day is taken
+  DayBits open;  // days with work as long as no day is taken
+};
+
+/// A way of leaving calendars out.
+struct Variant {
+  std::vector<bool> takes_effect;  // by RunLayout::calendars
 };
 
 /// What a run is about, worked out once before its first iteration: the same for all workers.
@@ -23,7 +31,17 @@ struct RunLayout {
   std::vector<WeatherCalendar> calendars;
   std::vector<TaskIndex> no_split;  // tasks whose pushes are measured
   std::vector<TaskIndex> asked;
+  std::vector<TaskIndex> targets;
   Instant deterministic_finish;
+  SamplingDesign design;
+  std::optional<TiedNumbers> tied;  // where values are correlated
+  std::vector<std::string> notes;
+  /// With `attribute`: each way once. The first is that without any calendar.
+  std::vector<Variant> variants;
+
+  /// Place of the variant in which a calendar alone takes effect, or all but it (`alone` false); -1
+  /// where that is the run itself.
+  std::int32_t VariantOf(std::size_t calendar, bool alone) const;
 };
 
 /// Checks the options and schedules the plan once. Raises as Run does.

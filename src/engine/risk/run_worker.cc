@@ -1,21 +1,24 @@
 #include "engine/risk/run_worker.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
 
-#include "engine/calendar/day_bits.h"
 #include "engine/risk/run_failure.h"
+#include "engine/risk/until.h"
 
 namespace nimbrel::engine {
 
 RunWorker::RunWorker(const RunContext& context, std::int32_t number)
     : context_(context),
+      layout_(context.inputs.layout),
       number_(number),
-      stream_(context.options.seed),
-      first_starts_(context.layout.no_split.size()),
-      pushed_minutes_(context.layout.no_split.size()),
-      driving_(context.layout.tasks.size()) {}
+      maker_(context.inputs),
+      lost_(layout_),
+      variants_(context.inputs),
+      pushed_minutes_(layout_.no_split.size()) {}
 
 /// Runs a step of the run; an error goes to the board, and the answer is then false.
 template <class Step>
@@ -30,19 +33,13 @@ bool RunWorker::Try(std::int32_t tile, std::int32_t iteration, Step&& step) {
 }
 
 void RunWorker::Work(const std::function<bool()>& stop, const std::function<void()>& done) {
-  // Whoever is attached is let go after everything else, before the host.
-  struct Release {
-    std::shared_ptr<void>& attached;
-    ~Release() { attached.reset(); }
-  };
-  const Release release{attached_};
   // An error before the first iteration is in front of all tiles.
   if (!Try(-1, RunFailure::kBeforeAll, [this] { Start(); })) {
     return;
   }
   RunBoard& board = context_.board;
   bool running = true;
-  for (std::int32_t tile = board.ClaimTile(); running && tile >= 0; tile = board.ClaimTile()) {
+  for (std::int32_t tile = NextTile(); running && tile >= 0; tile = NextTile()) {
     running = RunTile(tile, stop, done);
   }
   if (board.failure(number_).kind == RunFailure::Kind::kNone) {
@@ -51,25 +48,27 @@ void RunWorker::Work(const std::function<bool()>& stop, const std::function<void
 }
 
 void RunWorker::Start() {
-  host_ = MakeHost(context_.plan, context_.wiring.host);
-  if (context_.wiring.attach) {
-    attached_ = context_.wiring.attach(*host_);
-  }
-  host_->SetRandomStream(&stream_);
-  stream_.Begin(0);
-  host_->RaisePlanBeforeRiskAnalysis();
-  // Receivers may complete the plan before the first iteration, so it is read only now.
-  sampler_.emplace(host_->document());
-  sampler_->Prepare(host_->samples());
+  maker_.Start();
   if (context_.dates != nullptr) {
     tile_.emplace(*context_.dates);
   }
 }
 
+/// The next tile, once it may be begun; below 0 when there is none.
+std::int32_t RunWorker::NextTile() {
+  constexpr useconds_t kPauseMicroseconds = 200;
+  std::int32_t tile = context_.board.ClaimTile();
+  while (tile == RunBoard::kNotYet) {
+    usleep(kPauseMicroseconds);  // another worker is about to decide
+    tile = context_.board.ClaimTile();
+  }
+  return tile;
+}
+
 bool RunWorker::RunTile(std::int32_t tile, const std::function<bool()>& stop,
                         const std::function<void()>& done) {
   const std::int32_t first = tile * kTileIterations;
-  const std::int32_t end = std::min(first + kTileIterations, context_.options.iterations);
+  const std::int32_t end = std::min(first + kTileIterations, context_.inputs.options.iterations);
   std::int32_t iteration = first;
   for (; iteration < end; ++iteration) {
     if (stop && stop()) {
@@ -91,38 +90,21 @@ bool RunWorker::RunTile(std::int32_t tile, const std::function<bool()>& stop,
     return false;
   }
   context_.board.done(tile) = iteration - first;
+  if (iteration == end && context_.board.FinishTile()) {
+    DecideEnd();
+  }
   return iteration == end;
 }
 
 void RunWorker::RunIteration(std::int32_t iteration) {
-  const std::int32_t number = iteration + 1;
-  IterationSamples& samples = host_->samples();
-  if (samples.units.size() != sampler_->task_count()) {
-    throw std::logic_error("Tasks were added to the plan or removed from it during the run.");
-  }
-  sampler_->Sample(context_.options.seed, number, samples);
-  stream_.Begin(number);
-  host_->BeginIteration();
-  host_->RaisePlanBeforeRiskIteration(number);
-  host_->ScheduleIteration();
-  NoteStarts();
-  host_->RaisePlanAfterRiskIteration(number);
+  maker_.Make(iteration + 1);
   TakeResults(iteration);
-  host_->EndIteration();
-}
-
-void RunWorker::NoteStarts() {
-  const Scheduler& scheduler = host_->scheduler();
-  const std::vector<TaskIndex>& tasks = context_.layout.no_split;
-  for (std::size_t i = 0; i < tasks.size(); ++i) {
-    first_starts_[i] = scheduler.early_start(tasks[i]);
-  }
+  maker_.End();
 }
 
 void RunWorker::TakeResults(std::int32_t iteration) {
-  const Scheduler& scheduler = host_->scheduler();
-  const RunLayout& layout = context_.layout;
-  if (static_cast<std::size_t>(scheduler.task_count()) != layout.tasks.size()) {
+  const Scheduler& scheduler = maker_.host().scheduler();
+  if (static_cast<std::size_t>(scheduler.task_count()) != layout_.tasks.size()) {
     throw std::logic_error("The tasks that are scheduled changed during the run.");
   }
   context_.board.finish(iteration) = scheduler.finish();
@@ -130,23 +112,66 @@ void RunWorker::TakeResults(std::int32_t iteration) {
     return;
   }
   tile_->Add(scheduler);
-  scheduler.CountDriving(driving_);
-  for (std::size_t i = 0; i < layout.no_split.size(); ++i) {
+  TakeDriving(scheduler);
+  for (std::size_t i = 0; i < layout_.no_split.size(); ++i) {
     pushed_minutes_[i] +=
-        scheduler.early_start(layout.no_split[i]).Minutes() - first_starts_[i].Minutes();
+        scheduler.early_start(layout_.no_split[i]).Minutes() - maker_.first_starts()[i].Minutes();
   }
-  const std::span<std::int32_t> lost = context_.board.lost_days(iteration);
-  for (std::size_t i = 0; i < layout.calendars.size(); ++i) {
-    lost[i] = layout.calendars[i].open_days -
-              scheduler.WorkedDays(layout.calendars[i].index, kFirstCoveredDay, kLastCoveredDay);
+  TakeLostDays(scheduler, iteration);
+  if (!layout_.variants.empty()) {
+    variants_.UndoPushes(maker_);
+    if (!ledger_.has_value()) {
+      ledger_.emplace(layout_, scheduler);
+    }
+    ledger_->Add(scheduler, lost_, driving_, context_.board.ledger(number_));
+    variants_.Schedule(maker_, iteration + 1, lost_, context_.board.variant_finishes(iteration));
+  }
+}
+
+void RunWorker::TakeDriving(const Scheduler& scheduler) {
+  telling_.DrivingPath(scheduler, -1, driving_);
+  const std::span<std::uint32_t> counts = context_.board.driving(number_);
+  for (const TaskIndex task : driving_) {
+    ++counts[static_cast<std::size_t>(task)];
+  }
+  for (std::size_t i = 0; i < layout_.targets.size(); ++i) {
+    telling_.DrivingPath(scheduler, layout_.targets[i], path_);
+    const std::span<std::uint32_t> target_counts = context_.board.target_driving(number_, i);
+    for (const TaskIndex task : path_) {
+      ++target_counts[static_cast<std::size_t>(task)];
+    }
+  }
+}
+
+void RunWorker::TakeLostDays(const Scheduler& scheduler, std::int32_t iteration) {
+  lost_.Take(scheduler);
+  const std::span<std::int32_t> counts = context_.board.lost_days(iteration);
+  for (std::size_t i = 0; i < layout_.calendars.size(); ++i) {
+    counts[i] = lost_.count(i);
+    const std::span<std::uint32_t> by_day = context_.board.day_counts(number_, i);
+    lost_.VisitDays(i, [&by_day](std::int32_t day) {
+      ++by_day[static_cast<std::size_t>(day - kFirstCoveredDay)];
+    });
+  }
+}
+
+/// All iterations up to the limit are done: either they are enough, or there are to be more.
+void RunWorker::DecideEnd() {
+  RunBoard& board = context_.board;
+  const std::int32_t tiles = board.tile_limit();
+  const std::int32_t count = std::min(tiles * kTileIterations, board.extent().iterations);
+  if (WidthOfP80({&board.finish(0), static_cast<std::size_t>(count)}) <=
+      context_.inputs.options.until_days) {
+    board.EndAtLimit();
+  } else if (tiles < board.tiles()) {
+    board.LimitTiles(NextCheck(tiles, board.tiles()));
   }
 }
 
 void RunWorker::Finish() {
-  std::copy(driving_.begin(), driving_.end(), context_.board.driving(number_).begin());
   std::copy(pushed_minutes_.begin(), pushed_minutes_.end(),
             context_.board.pushed_minutes(number_).begin());
-  host_->RaisePlanAfterRiskAnalysis();
+  maker_.Finish();
 }
 
 }  // namespace nimbrel::engine

@@ -2,26 +2,22 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <vector>
 
-#include "engine/objects/host.h"
 #include "engine/risk/date_file.h"
-#include "engine/risk/random.h"
-#include "engine/risk/run.h"
+#include "engine/risk/iteration_maker.h"
+#include "engine/risk/ledger.h"
+#include "engine/risk/lost_days.h"
 #include "engine/risk/run_board.h"
-#include "engine/risk/run_layout.h"
-#include "engine/risk/sampler.h"
+#include "engine/risk/variants.h"
+#include "engine/schedule/telling.h"
 
 namespace nimbrel::engine {
 
 /// What all workers of a run are given; nothing of it is kept beyond the run.
 struct RunContext {
-  const Plan& plan;
-  const RunOptions& options;
-  const RunWiring& wiring;
-  const RunLayout& layout;
+  RunInputs inputs;
   RunBoard& board;
   DateFile* dates = nullptr;  // null: only the plan's finish is wanted
 };
@@ -39,26 +35,31 @@ class RunWorker {
 
  private:
   void Start();
+  std::int32_t NextTile();
   /// False when the run ended within the tile.
   bool RunTile(std::int32_t tile, const std::function<bool()>& stop,
                const std::function<void()>& done);
   void RunIteration(std::int32_t iteration);
-  void NoteStarts();
   void TakeResults(std::int32_t iteration);
+  void TakeDriving(const Scheduler& scheduler);
+  void TakeLostDays(const Scheduler& scheduler, std::int32_t iteration);
+  void DecideEnd();
   void Finish();
   template <class Step>
   bool Try(std::int32_t tile, std::int32_t iteration, Step&& step);
 
   const RunContext& context_;
+  const RunLayout& layout_;
   std::int32_t number_;
-  platform::Ref<Host> host_;
-  std::shared_ptr<void> attached_;
-  RunStream stream_;
-  std::optional<Sampler> sampler_;
+  IterationMaker maker_;
   std::optional<TileWriter> tile_;
-  std::vector<Instant> first_starts_;  // of the no-split tasks, before they are pushed
+  ScheduleTelling telling_;
+  LostDays lost_;
+  Variants variants_;
+  std::optional<Ledger> ledger_;
+  std::vector<TaskIndex> driving_;  // on a path to the plan's finish, in the current iteration
+  std::vector<TaskIndex> path_;     // to a target
   std::vector<std::int64_t> pushed_minutes_;
-  std::vector<std::uint32_t> driving_;
 };
 
 }  // namespace nimbrel::engine

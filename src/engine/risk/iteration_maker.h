@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "engine/objects/host.h"
+#include "engine/risk/random.h"
+#include "engine/risk/run.h"
+#include "engine/risk/run_layout.h"
+#include "engine/risk/sampler.h"
+
+namespace nimbrel::engine {
+
+/// What is the same for all who make iterations of a run; nothing of it is kept beyond the run.
+struct RunInputs {
+  const Plan& plan;
+  const RunOptions& options;
+  const RunWiring& wiring;
+  const RunLayout& layout;
+};
+
+/// Makes single iterations of a run, in any order, with a host and a plan of its own. An iteration
+/// is the same whoever makes it, and whatever was made before it.
+class IterationMaker {
+ public:
+  explicit IterationMaker(const RunInputs& inputs);
+  /// Whoever is attached is let go before the host.
+  ~IterationMaker();
+  IterationMaker(const IterationMaker&) = delete;
+  IterationMaker& operator=(const IterationMaker&) = delete;
+
+  /// Everything up to PlanBeforeRiskAnalysis.
+  void Start();
+  /// An iteration up to PlanAfterRiskIteration; `number` counts from 1. Its schedule stands until
+  /// End.
+  void Make(std::int32_t number);
+  void End();
+  /// PlanAfterRiskAnalysis.
+  void Finish();
+
+  Host& host() { return *host_; }
+  /// Of the tasks that must not be split, when they were first scheduled in the iteration: their
+  /// starts, and the constraints that they had then. In the layout's order.
+  std::span<const Instant> first_starts() const { return first_starts_; }
+  std::span<const Constraint> first_constraints() const { return first_constraints_; }
+
+ private:
+  void NoteFirst();
+
+  const RunInputs& inputs_;
+  platform::Ref<Host> host_;
+  std::shared_ptr<void> attached_;
+  RunStream stream_;
+  std::optional<Sampler> sampler_;
+  std::vector<Instant> first_starts_;
+  std::vector<Constraint> first_constraints_;
+};
+
+}  // namespace nimbrel::engine

@@ -1,0 +1,117 @@
+#include "engine/risk/ledger.h"
+
+#include <algorithm>
+#include <bit>
+#include <map>
+
+#include "engine/schedule/network.h"
+#include "engine/schedule/telling.h"
+
+namespace nimbrel::engine {
+namespace {
+
+/// Adds the days from `first` to `last`, as far as they fall into some words.
+void AddDays(DayBits& bits, std::int32_t first, std::int32_t last, std::int32_t first_word,
+             std::int32_t last_word) {
+  first = std::max(first, kFirstCoveredDay + first_word * 64);
+  last = std::min(last, kFirstCoveredDay + last_word * 64 + 63);
+  VisitWords(first, last,
+             [&bits](std::int32_t word, std::uint64_t mask) { bits.Word(word) |= mask; });
+}
+
+std::int64_t CountBits(std::uint64_t word) {
+  return std::popcount(word);
+}
+
+}  // namespace
+
+Ledger::Ledger(const RunLayout& layout, const Scheduler& scheduler)
+    : tables_of_(layout.calendars.size()),
+      ever_worked_(layout.calendars.size()),
+      is_driving_(layout.tasks.size()) {
+  const Network& network = scheduler.network();
+  std::map<std::uint16_t, std::size_t> place_of;  // by the network's tables
+  const auto weather_of = [&layout](CalendarIndex index) {
+    return std::find_if(layout.calendars.begin(), layout.calendars.end(),
+                        [index](const WeatherCalendar& c) { return c.index == index; });
+  };
+  for (TaskIndex task = 0; task < network.task_count; ++task) {
+    const Slot slot = network.slot_of[static_cast<std::size_t>(task)];
+    if (!network.IsOpen(slot) || network.nodes[static_cast<std::size_t>(slot)].is_milestone) {
+      continue;
+    }
+    const std::uint16_t number = network.facts[static_cast<std::size_t>(slot)].table;
+    const auto [known, is_new] = place_of.emplace(number, tables_.size());
+    if (is_new) {
+      Table& table = tables_.emplace_back();
+      const std::vector<CalendarIndex>& calendars = network.table_calendars[number];
+      for (const CalendarIndex calendar : calendars) {
+        if (const auto weather = weather_of(calendar); weather != layout.calendars.end()) {
+          table.calendars.push_back(static_cast<std::size_t>(weather - layout.calendars.begin()));
+        }
+      }
+      const auto own = static_cast<std::size_t>(calendars.front());
+      const bool is_weather = weather_of(calendars.front()) != layout.calendars.end();
+      table.own = is_weather ? network.calendars[own].open() : network.calendars[own].worked();
+    }
+    tables_[known->second].tasks.push_back(task);
+  }
+  std::erase_if(tables_, [](const Table& table) { return table.calendars.empty(); });
+  for (std::size_t i = 0; i < tables_.size(); ++i) {
+    for (const std::size_t calendar : tables_[i].calendars) {
+      tables_of_[calendar].push_back(i);
+      for (std::int32_t word = 0; word < DayBits::kWords; ++word) {
+        ever_worked_[calendar].Word(word) |= tables_[i].own.Word(word);
+      }
+    }
+  }
+}
+
+void Ledger::Add(const Scheduler& scheduler, const LostDays& lost,
+                 std::span<const TaskIndex> driving, std::span<LedgerResult> sums) {
+  const std::int32_t first = lost.first_word();
+  const std::int32_t last = lost.last_word();
+  if (first > last) {
+    return;
+  }
+  for (const TaskIndex task : driving) {
+    is_driving_[static_cast<std::size_t>(task)] = true;
+  }
+  for (Table& table : tables_) {
+    for (std::int32_t word = first; word <= last; ++word) {
+      table.under_way.Word(word) = 0;
+      table.driving.Word(word) = 0;
+    }
+    for (const TaskIndex task : table.tasks) {
+      const std::int32_t from = ReadyMoment(scheduler, task).day();
+      const std::int32_t to = scheduler.early_finish(task).day();
+      AddDays(table.under_way, from, to, first, last);
+      if (is_driving_[static_cast<std::size_t>(task)]) {
+        AddDays(table.driving, from, to, first, last);
+      }
+    }
+  }
+  for (const TaskIndex task : driving) {
+    is_driving_[static_cast<std::size_t>(task)] = false;
+  }
+  for (std::size_t calendar = 0; calendar < sums.size(); ++calendar) {
+    LedgerResult& sum = sums[calendar];
+    for (std::int32_t word = first; word <= last; ++word) {
+      const std::uint64_t days = lost.days(calendar).Word(word);
+      std::uint64_t held = 0;
+      std::uint64_t moving = 0;
+      for (const std::size_t i : tables_of_[calendar]) {
+        held |= tables_[i].under_way.Word(word) & tables_[i].own.Word(word);
+        moving |= tables_[i].driving.Word(word) & tables_[i].own.Word(word);
+      }
+      const std::uint64_t worked = ever_worked_[calendar].Word(word);
+      sum.lost += CountBits(days);
+      sum.off += CountBits(days & ~worked);
+      sum.idle += CountBits(days & worked & ~held);
+      sum.absorbed += CountBits(days & held & ~moving);
+      sum.moving += CountBits(days & moving);
+    }
+  }
+}
+
+}  // namespace nimbrel::engine

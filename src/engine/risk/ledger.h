@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "engine/calendar/day_bits.h"
+#include "engine/results/run_result.h"
+#include "engine/risk/lost_days.h"
+#include "engine/risk/run_layout.h"
+#include "engine/schedule/scheduler.h"
+
+namespace nimbrel::engine {
+
+/// Tells, iteration by iteration, where the lost days of each weather calendar go.
+///
+/// A task of a calendar is one that has it as its own calendar or behind a risk calendar, has work
+/// left and is no summary or level of effort. It is under way from the day on which it only waits
+/// for working time (see ReadyMoment) to the day on which it finishes; a task that must not be
+/// split and was pushed so waits from before the push. A lost day holds such a task up if the
+/// task's own calendar works that day. Each lost day of a calendar then is one of
+/// - off: no task of the calendar works that day by its own calendar;
+/// - idle: some do, but it holds none up;
+/// - moving: it holds up a task on a driving path to the plan's finish;
+/// - absorbed: it holds up other tasks only.
+class Ledger {
+ public:
+  /// `scheduler` has the plan's structure as in all iterations.
+  Ledger(const RunLayout& layout, const Scheduler& scheduler);
+
+  /// Adds an iteration: the schedule as it stands, but with the constraints of before any push.
+  /// `driving` are the tasks on the driving paths to the finish; `sums` has an entry for each
+  /// calendar.
+  void Add(const Scheduler& scheduler, const LostDays& lost, std::span<const TaskIndex> driving,
+           std::span<LedgerResult> sums);
+
+ private:
+  /// Tasks that share one set of calendars.
+  struct Table {
+    DayBits own;                         // days that they work by their own calendar
+    std::vector<std::size_t> calendars;  // weather calendars, as in the layout
+    std::vector<TaskIndex> tasks;
+    DayBits under_way;  // days on which a task is, in the current iteration
+    DayBits driving;    // days on which one that drives the finish is
+  };
+
+  std::vector<Table> tables_;
+  std::vector<std::vector<std::size_t>> tables_of_;  // by calendar
+  std::vector<DayBits> ever_worked_;  // by calendar: days that one of its tasks works
+  std::vector<bool> is_driving_;      // by TaskIndex; all false between calls
+};
+
+}  // namespace nimbrel::engine
