@@ -21,5 +21,6 @@ void AddRangesCommand(CLI::App& app, Console& console, Action& action);
 void AddWeatherCommand(CLI::App& app, Console& console, Action& action);
 void AddRunCommand(CLI::App& app, Console& console, Action& action);
 void AddCheckCommand(CLI::App& app, Console& console, Action& action);
+void AddDialogCommand(CLI::App& app, Console& console, Action& action);
 
 }  // namespace nimbrel::cli

@@ -96,6 +96,7 @@ int Run(const std::vector<std::string>& arguments, Console& console) {
   AddWeatherCommand(app, console, action);
   AddRunCommand(app, console, action);
   AddCheckCommand(app, console, action);
+  AddDialogCommand(app, console, action);
 
   RequireCommand(app, arguments, 0);
   try {
