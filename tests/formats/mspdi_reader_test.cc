@@ -249,10 +249,24 @@ TEST(MspdiReader, ProgressWithoutActualDatesIsAsScheduled) {
   EXPECT_FALSE(begun.IsFinished());
 }
 
-TEST(MspdiReader, AnActualFinishBeforeTheStartIsRefused) {
-  EXPECT_THAT(FailureOf(OneTask({{"ActualStart", "2027-03-02T08:00:00"},
-                                 {"ActualFinish", "2027-03-01T17:00:00"}})),
-              HasSubstr("expected an actual finish that is not before the actual start"));
+TEST(MspdiReader, AnActualFinishBeforeTheStartTakesTheStartWithIt) {
+  const ReadResult result = Read(
+      OneTask({{"ActualStart", "2027-03-02T08:00:00"}, {"ActualFinish", "2027-03-01T17:00:00"}}));
+  EXPECT_EQ(TaskOf(result.plan, "1").actual_start, At("2027-03-01 17:00"));
+  EXPECT_EQ(CountOf(result, "finished before they started"), 1);
+}
+
+TEST(MspdiReader, AConstraintOnTheStartHasHadItsTimeOnceTheTaskHasStarted) {
+  for (const auto& [type, stays] :
+       {std::pair("1", false), std::pair("2", false), std::pair("4", false), std::pair("5", false),
+        std::pair("3", true), std::pair("6", true), std::pair("7", true)}) {
+    const Task task = TaskOf(Read(OneTask({{"ActualStart", "2027-03-02T08:00:00"},
+                                           {"ConstraintType", type},
+                                           {"ConstraintDate", "2027-03-22T08:00:00"}}))
+                                 .plan,
+                             "1");
+    EXPECT_EQ(task.constraint.type != ConstraintType::kNone, stays) << type;
+  }
 }
 
 TEST(MspdiReader, DatesOutsideTheYearsOfAPlanAreRefusedWithTheirLine) {
@@ -439,22 +453,22 @@ std::string Figure(const std::string& start, const std::string& finish, const st
                Xml({{"Type", "1"}, {"Start", start}, {"Finish", finish}, {"Value", value}})}});
 }
 
-TEST(MspdiReader, ThePausesOfASplitTaskAreTimeOff) {
+TEST(MspdiReader, ThePausesOfASplitTaskArePartOfItsDuration) {
   const std::string course =
       Figure("2027-03-01T08:00:00", "2027-03-01T17:00:00", "PT8H0M0S") +
       Figure("2027-03-01T17:00:00", "2027-03-02T17:00:00", "PT0H0M0S") +
       Figure("2027-03-02T17:00:00", "2027-03-03T12:00:00", "PT0H0M0S") +
       Figure("2027-03-03T12:00:00", "2027-03-03T17:00:00", "PT4H0M0S") +
       Figure("2027-03-03T17:00:00", "2027-03-04T17:00:00", "PT0H0M0S");  // nothing comes after
-  const ReadResult result = Read(WithCalendar().Task(1).Task(2).Assignment(1, -65535, course));
-  const CalendarDefinition* split = result.plan.FindCalendar(TaskOf(result.plan, "1").calendar);
-  ASSERT_NE(split, nullptr);
-  EXPECT_EQ(split->name, "Standard, split for task 1");
-  EXPECT_EQ(MinutesOf(PatternOn(*split, At("2027-03-01").day())), 480);
-  EXPECT_THAT(PatternOn(*split, At("2027-03-02").day()), IsEmpty());
-  EXPECT_THAT(PatternOn(*split, At("2027-03-03").day()), ElementsAre(Shift{780, 1020}));
-  EXPECT_EQ(MinutesOf(PatternOn(*split, At("2027-03-04").day())), 480);
-  EXPECT_EQ(TaskOf(result.plan, "2").calendar, 0);
+  const ReadResult result = Read(WithCalendar()
+                                     .Task(1, {{"RemainingDuration", "PT12H0M0S"}})
+                                     .Task(2)
+                                     .Assignment(1, -65535, course));
+  // All of Tuesday and the morning of Wednesday are 12 hours.
+  EXPECT_EQ(TaskOf(result.plan, "1").remaining_minutes, (12 + 12) * 60);
+  EXPECT_EQ(TaskOf(result.plan, "1").original_minutes, (40 + 12) * 60);
+  EXPECT_EQ(TaskOf(result.plan, "1").calendar, 0);
+  EXPECT_EQ(TaskOf(result.plan, "2").remaining_minutes, 40 * 60);
   EXPECT_EQ(CountOf(result, "split tasks"), 1);
 }
 

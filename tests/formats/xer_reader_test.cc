@@ -392,11 +392,24 @@ TEST(XerReader, ProgressWithoutDatesHappenedAtTheDataDate) {
   EXPECT_EQ(CountOf(active, "without an actual start"), 1);
 }
 
-TEST(XerReader, AnActualFinishBeforeTheStartIsRefused) {
-  EXPECT_THAT(FailureOf(OneTask({{"status_code", "TK_Complete"},
-                                 {"act_start_date", "2027-02-10 08:00"},
-                                 {"act_end_date", "2027-02-09 17:00"}})),
-              HasSubstr("dock.xer:10: expected an actual finish that is not before"));
+TEST(XerReader, AnActualFinishBeforeTheStartTakesTheStartWithIt) {
+  const ReadResult result = Read(OneTask({{"status_code", "TK_Complete"},
+                                          {"act_start_date", "2027-02-10 08:00"},
+                                          {"act_end_date", "2027-02-09 17:00"}}));
+  EXPECT_EQ(TaskOf(result.plan, "A1").actual_start, At("2027-02-09 17:00"));
+  EXPECT_EQ(CountOf(result, "finished before they started"), 1);
+}
+
+TEST(XerReader, TheStatusSaysWhichActualDatesHaveCome) {
+  const ReadResult waiting = Read(OneTask({{"act_start_date", "2027-02-10 08:00"}}));
+  EXPECT_FALSE(TaskOf(waiting.plan, "A1").IsStarted());
+  EXPECT_EQ(CountOf(waiting, "have not come yet"), 1);
+  const ReadResult active = Read(OneTask({{"status_code", "TK_Active"},
+                                          {"act_start_date", "2027-02-10 08:00"},
+                                          {"act_end_date", "2027-02-19 17:00"}}));
+  EXPECT_TRUE(TaskOf(active.plan, "A1").IsStarted());
+  EXPECT_FALSE(TaskOf(active.plan, "A1").IsFinished());
+  EXPECT_EQ(TaskOf(active.plan, "A1").remaining_minutes, 40 * 60);
 }
 
 TEST(XerReader, DatesOutsideTheYearsOfAPlanAreRefused) {
@@ -404,7 +417,9 @@ TEST(XerReader, DatesOutsideTheYearsOfAPlanAreRefused) {
     EXPECT_THAT(FailureOf(OneTask({{"act_start_date", date}})),
                 HasSubstr("dock.xer:10: expected a date from 1950 to 2150 in act_start_date"));
   }
-  EXPECT_EQ(ReadTask({{"act_start_date", "1950-01-01 00:00"}}).actual_start, At("1950-01-01"));
+  EXPECT_EQ(
+      ReadTask({{"status_code", "TK_Active"}, {"act_start_date", "1950-01-01 00:00"}}).actual_start,
+      At("1950-01-01"));
   EXPECT_THAT(FailureOf(OneTask({{"act_start_date", "2027-02-30 08:00"}})),
               HasSubstr("expected a date as YYYY-MM-DD HH:MM"));
 }
@@ -452,6 +467,18 @@ TEST(XerReader, AConstraintWithoutADateIsLeftOut) {
   EXPECT_EQ(CountOf(result, "constraints without a date"), 1);
 }
 
+TEST(XerReader, AConstraintOnTheStartHasHadItsTimeOnceTheActivityHasStarted) {
+  for (const char* type : {"CS_MSO", "CS_MSOA", "CS_MSOB", "CS_MANDSTART", "CS_ALAP"}) {
+    const Fields fields = {{"status_code", "TK_Active"}, {"act_start_date", "2027-02-22 08:00"},
+                           {"cstr_type", type},          {"cstr_date", "2027-04-05 08:00"},
+                           {"cstr_type2", "CS_MEOA"},    {"cstr_date2", "2027-04-30 17:00"}};
+    const ReadResult result = Read(OneTask(fields));
+    EXPECT_EQ(TaskOf(result.plan, "A1").constraint.type, ConstraintType::kFinishNoEarlier) << type;
+    EXPECT_EQ(TaskOf(result.plan, "A1").second_constraint, Constraint{}) << type;
+    EXPECT_EQ(CountOf(result, "that have started: left out"), 1) << type;
+  }
+}
+
 TEST(XerReader, DatesFromOtherProjectsBecomeConstraints) {
   const ReadResult result = Read(OneTask({{"cstr_type", "CS_MSOA"},
                                           {"cstr_date", "2027-04-05 08:00"},
@@ -493,74 +520,6 @@ TEST(XerReader, DatesThatTheFileHasComputedAreKeptForComparison) {
   EXPECT_EQ(stored.late_finish, At("2027-03-08 17:00"));
   EXPECT_EQ(stored.total_float_minutes, -480);
   EXPECT_FALSE(ReadTask({}).stored.total_float_minutes.has_value());
-}
-
-// Links.
-
-TEST(XerReader, LinksOfEveryTypeWithLag) {
-  XerText text = OneTask();
-  text.Task("101", "A2").Link("100", "101", "PR_FS", "-16").Link("100", "101", "PR_SS", "4");
-  text.Link("100", "101", "PR_FF").Link("100", "101", "PR_SF");
-  const Plan plan = Read(text).plan;
-  const Uid from = TaskOf(plan, "A1").uid;
-  const Uid to = TaskOf(plan, "A2").uid;
-  EXPECT_THAT(plan.links,
-              ElementsAre(Link{from, to, LinkType::kFinishToStart, -960, LagCalendar::kPredecessor},
-                          Link{from, to, LinkType::kStartToStart, 240, LagCalendar::kPredecessor},
-                          Link{from, to, LinkType::kFinishToFinish, 0, LagCalendar::kPredecessor},
-                          Link{from, to, LinkType::kStartToFinish, 0, LagCalendar::kPredecessor}));
-}
-
-TEST(XerReader, LinksOutOfTheProjectAreCounted) {
-  XerText text = TwoProjects();
-  text.Link("200", "100", "PR_FS").Link("100", "200", "PR_FS").Link("100", "999", "PR_FS");
-  text.Link("200", "300", "PR_FS");
-  const ReadResult result = Read(text, {.project = "DOCK", .time_unit = TimeUnit::kDays});
-  EXPECT_THAT(result.plan.links, IsEmpty());
-  EXPECT_EQ(CountOf(result, "links to activities of other projects"), 2);
-  EXPECT_EQ(CountOf(result, "links to activities that are not in the file"), 1);
-}
-
-TEST(XerReader, LinksToOtherProjectsHoldAtTheDatesThatTheFileHas) {
-  XerText text = TwoProjects();
-  text.Task("201", "B1",
-            {{"proj_id", "2"},
-             {"early_start_date", "2027-03-10 08:00"},
-             {"early_end_date", "2027-03-17 00:00"},
-             {"late_start_date", "2027-04-12 00:00"},
-             {"late_end_date", "2027-04-16 17:00"}});
-  const auto constraint = [&text](const std::string& from, const std::string& to,
-                                  const std::string& type) {
-    XerText linked = text;
-    const ReadResult result =
-        Read(linked.Link(from, to, type), {.project = "DOCK", .time_unit = TimeUnit::kDays});
-    EXPECT_EQ(CountOf(result, "kept as constraints at their dates"), 1) << type;
-    return TaskOf(result.plan, "A1").constraint;
-  };
-  EXPECT_EQ(constraint("201", "100", "PR_FS"),
-            (Constraint{ConstraintType::kStartNoEarlier, At("2027-03-17 00:00")}));
-  EXPECT_EQ(constraint("201", "100", "PR_SS"),
-            (Constraint{ConstraintType::kStartNoEarlier, At("2027-03-10 08:00")}));
-  EXPECT_EQ(constraint("201", "100", "PR_FF"),
-            (Constraint{ConstraintType::kFinishNoEarlier, At("2027-03-16 24:00")}));
-  EXPECT_EQ(constraint("201", "100", "PR_SF"),
-            (Constraint{ConstraintType::kFinishNoEarlier, At("2027-03-10 08:00")}));
-  EXPECT_EQ(constraint("100", "201", "PR_FS"),
-            (Constraint{ConstraintType::kFinishNoLater, At("2027-04-11 24:00")}));
-  EXPECT_EQ(constraint("100", "201", "PR_SS"),
-            (Constraint{ConstraintType::kStartNoLater, At("2027-04-12 00:00")}));
-  EXPECT_EQ(constraint("100", "201", "PR_FF"),
-            (Constraint{ConstraintType::kFinishNoLater, At("2027-04-16 17:00")}));
-  EXPECT_EQ(constraint("100", "201", "PR_SF"),
-            (Constraint{ConstraintType::kStartNoLater, At("2027-04-16 17:00")}));
-}
-
-TEST(XerReader, BadLinksAreRefused) {
-  EXPECT_EQ(FailureOf(OneTask().Link("100", "100", "PR_FS")),
-            "dock.xer:13: expected another activity than the link's own in pred_task_id, found "
-            "\"100\"");
-  EXPECT_THAT(FailureOf(OneTask().Task("101", "A2").Link("100", "101", "FS")),
-              HasSubstr("dock.xer:14: expected PR_FS, PR_SS, PR_FF or PR_SF in pred_type"));
 }
 
 // Calendars.

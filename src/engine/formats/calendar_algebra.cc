@@ -76,8 +76,8 @@ CalendarDefinition Intersection(const CalendarDefinition& a, const CalendarDefin
   return Combined(a, b, IntersectionOf);
 }
 
-CalendarDefinition Without(const CalendarDefinition& calendar, const std::vector<TimeSpan>& spans) {
-  CalendarDefinition result = calendar;
+std::int64_t WorkWithin(const CalendarDefinition& calendar, const std::vector<TimeSpan>& spans) {
+  std::int64_t minutes = 0;
   for (const TimeSpan& span : spans) {
     const std::int32_t last = span.end.AsFinish().day();
     for (std::int32_t day = span.begin.day(); day <= last; ++day) {
@@ -86,13 +86,11 @@ CalendarDefinition Without(const CalendarDefinition& calendar, const std::vector
         return static_cast<std::int16_t>(
             std::clamp<std::int64_t>(moment.Minutes() - midnight, 0, kMinutesPerDay));
       };
-      const DayPattern kept =
-          Normalized({{0, within(span.begin)}, {within(span.end), kMinutesPerDay}});
-      const DayPattern pattern = IntersectionOf(PatternOn(result, day), kept);
-      result.exceptions.insert_or_assign(day, pattern);
+      minutes += MinutesOf(
+          IntersectionOf(PatternOn(calendar, day), {{within(span.begin), within(span.end)}}));
     }
   }
-  return result;
+  return minutes;
 }
 
 }  // namespace nimbrel::engine

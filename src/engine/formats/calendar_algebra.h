@@ -22,7 +22,7 @@ struct TimeSpan {
   Instant end;
 };
 
-/// The calendar without its working time in the spans.
-CalendarDefinition Without(const CalendarDefinition& calendar, const std::vector<TimeSpan>& spans);
+/// Minutes of work that the calendar has within the spans, which do not overlap.
+std::int64_t WorkWithin(const CalendarDefinition& calendar, const std::vector<TimeSpan>& spans);
 
 }  // namespace nimbrel::engine

@@ -177,11 +177,9 @@ Uid MspdiCalendars::Elapsed(Plan& plan) {
   return elapsed_;
 }
 
-Uid MspdiCalendars::AddSplit(Uid calendar, const std::vector<TimeSpan>& gaps,
-                             const std::string& task_id, pugi::xml_node node, Plan& plan) {
-  CalendarDefinition split = Without(plan.calendars[index_by_uid_.at(calendar)], gaps);
-  split.name += ", split for task " + task_id;
-  return Add(std::move(split), node, plan);
+std::int64_t MspdiCalendars::WorkWithin(Uid calendar, const std::vector<TimeSpan>& spans,
+                                        const Plan& plan) const {
+  return engine::WorkWithin(plan.calendars[index_by_uid_.at(calendar)], spans);
 }
 
 bool MspdiCalendars::HasWork(Uid calendar) const {

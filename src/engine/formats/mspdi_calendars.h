@@ -41,11 +41,8 @@ class MspdiCalendars {
   /// The plan's number of a calendar that works around the clock.
   Uid Elapsed(Plan& plan);
 
-  /// Puts a calendar of one task into the plan: one of the plan's without its time in the spans.
-  /// `node` is where an error is to point. Raises FormatError when all calendars together have too
-  /// many single days.
-  Uid AddSplit(Uid calendar, const std::vector<TimeSpan>& gaps, const std::string& task_id,
-               pugi::xml_node node, Plan& plan);
+  /// Minutes of work that a calendar of the plan has within the spans.
+  std::int64_t WorkWithin(Uid calendar, const std::vector<TimeSpan>& spans, const Plan& plan) const;
 
   /// Whether the calendar in the plan has any working time.
   bool HasWork(Uid calendar) const;

@@ -30,7 +30,12 @@ void ReadScheduling(const XmlElement& project, Plan& plan, WarningList& warnings
   schedule.progress = project.Flag("SplitsInProgressTasks", true) ? ProgressRule::kRetainedLogic
                                                                   : ProgressRule::kProgressOverride;
   schedule.total_float = FloatRule::kSmaller;
+  // Dates that hold tasks hold them against their links; the flag on that has come to say the
+  // opposite in files of some versions, so that it is of no use.
+  schedule.no_later_holds_early = true;
   schedule.remaining_from_data_date = false;
+  schedule.lag_from_early_start = false;
+  schedule.open_ends_critical = project.Flag("MultipleCriticalPaths", false);
   const std::optional<std::int32_t> limit =
       HoursToMinutes(project.Number("CriticalSlackLimit", 0) * plan.hours_per_day);
   if (!limit) {

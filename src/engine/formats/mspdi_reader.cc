@@ -100,18 +100,33 @@ class PlanMaker {
   }
 
   /// The calendar of a task, 0 for the plan's own.
-  Uid CalendarOf(const MspdiTask& entry) {
-    Uid uid = CombinedCalendarOf(entry);
-    const std::vector<TimeSpan>& gaps = assignments_.GapsOf(entry.number);
-    if (!gaps.empty() && !entry.task.IsFinished()) {
-      warnings_.Add("split tasks: their pauses are kept as time off at fixed dates");
-      uid = calendars_.AddSplit(uid, gaps, entry.task.id, entry.node, plan_);
-    }
+  Uid CalendarOf(MspdiTask& entry) {
+    const Uid uid = CombinedCalendarOf(entry);
+    AddPauses(entry, uid);
     if (!entry.task.IsFinished() && !calendars_.HasWork(uid)) {
       Fail(entry.node, "expected a calendar with working time for task " + entry.task.id +
                            ", found " + Quoted(plan_.FindCalendar(uid)->name) + " without any");
     }
     return uid == plan_.default_calendar ? 0 : uid;
+  }
+
+  /// The pauses of a split task move with it: they are as good as work of its own.
+  void AddPauses(MspdiTask& entry, Uid calendar) {
+    const std::vector<TimeSpan>& gaps = assignments_.GapsOf(entry.number);
+    Task& task = entry.task;
+    if (gaps.empty() || task.IsFinished() || task.remaining_minutes == 0) {
+      return;
+    }
+    warnings_.Add("split tasks: their pauses are kept as part of their duration");
+    const std::int64_t whole =
+        task.remaining_minutes + calendars_.WorkWithin(calendar, gaps, plan_);
+    if (whole > kLongestMinutes) {
+      Fail(entry.node, "expected pauses of no more than 200 years, found more");
+    }
+    const std::int32_t pauses = static_cast<std::int32_t>(whole) - task.remaining_minutes;
+    task.remaining_minutes += pauses;
+    task.original_minutes = static_cast<std::int32_t>(
+        std::min<std::int64_t>(std::int64_t{task.original_minutes} + pauses, kLongestMinutes));
   }
 
   Uid CombinedCalendarOf(const MspdiTask& entry) {

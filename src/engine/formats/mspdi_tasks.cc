@@ -193,7 +193,8 @@ class TaskReader {
     }
     if (task_.IsFinished()) {
       if (task_.actual_finish.Minutes() < task_.actual_start.Minutes()) {
-        element_.FailChild("ActualFinish", "an actual finish that is not before the actual start");
+        warnings_.Add("tasks that finished before they started: started when they finished");
+        task_.actual_start = task_.actual_finish.AsStart();
       }
       task_.remaining_minutes = 0;
       task_.percent_complete = 100;
@@ -229,8 +230,16 @@ class TaskReader {
     }
   }
 
+  static bool IsAboutFinish(ConstraintType type) {
+    return type == ConstraintType::kFinishNoEarlier || type == ConstraintType::kFinishNoLater ||
+           type == ConstraintType::kMandatoryFinish;
+  }
+
   void ReadConstraints() {
     task_.constraint = ReadConstraint();
+    if (task_.IsStarted() && !task_.IsFinished() && !IsAboutFinish(task_.constraint.type)) {
+      task_.constraint = {};  // it has had its time
+    }
     if (task_.constraint.date.IsAbsent() && task_.constraint.type != ConstraintType::kNone &&
         task_.constraint.type != ConstraintType::kAsLateAsPossible) {
       warnings_.Add("constraints without a date: left out");

@@ -82,7 +82,7 @@ void ReadOptionsRow(const XerRow& row, Plan& plan, XerScheduling& scheduling,
   plan.schedule.lag_from_early_start = row.Flag("sched_lag_early_start_flag", true);
   plan.schedule.open_ends_critical = row.Flag("sched_open_critical_flag", false);
   if (!row.Flag("sched_use_project_end_date_for_float", true)) {
-    plan.schedule.must_finish = {};
+    plan.schedule.must_finish = scheduling.latest_finish;
   }
   scheduling.use_expected_finish = row.Flag("sched_use_expect_end_flag", true);
   scheduling.use_external_dates = row.Text("sched_outer_depend_type") != "SD_None";
@@ -134,11 +134,20 @@ XerProject ChooseXerProject(const XerFile& file, const std::optional<std::string
 XerScheduling ReadXerScheduling(const XerFile& file, const XerProject& project, Plan& plan,
                                 WarningList& warnings) {
   XerScheduling scheduling;
+  Instant own_finish;
+  Instant other_finish;
   file.ForEach("PROJECT", [&](const XerRow& row) {
+    const Instant finish = row.FinishDate("scd_end_date");
     if (row.Text("proj_id") == project.id) {
       ReadProjectRow(row, plan, scheduling);
+      own_finish = finish;
+    } else if (!finish.IsAbsent()) {
+      other_finish = other_finish.IsAbsent() ? finish : std::max(other_finish, finish);
     }
   });
+  if (!other_finish.IsAbsent() && !own_finish.IsAbsent() && other_finish > own_finish) {
+    scheduling.latest_finish = other_finish;
+  }
   file.ForEach("SCHEDOPTIONS", [&](const XerRow& row) {
     if (row.Text("proj_id") == project.id) {
       ReadOptionsRow(row, plan, scheduling, warnings);

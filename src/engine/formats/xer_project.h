@@ -32,6 +32,9 @@ struct XerScheduling {
   bool use_expected_finish = true;  // or leave expected finishes aside
   bool use_external_dates = true;   // of links to projects that are not in the file
   LagCalendar lag_calendar = LagCalendar::kPredecessor;
+  /// When the last of the file's projects was to finish, if that is another one than this: where
+  /// late dates start from if they do for all projects alike. Else absent.
+  Instant latest_finish;
 };
 
 class WarningList;

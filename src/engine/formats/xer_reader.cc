@@ -6,8 +6,10 @@
 #include <utility>
 
 #include "engine/formats/plan_reader.h"
+#include "engine/formats/value_text.h"
 #include "engine/formats/warning_list.h"
 #include "engine/formats/xer_calendars.h"
+#include "engine/formats/xer_lags.h"
 #include "engine/formats/xer_project.h"
 #include "engine/formats/xer_structure.h"
 #include "engine/formats/xer_table.h"
@@ -58,11 +60,14 @@ LinkType ReadLinkType(const XerRow& row) {
 class LinkReader {
  public:
   LinkReader(const XerFile& file, const XerTaskReader& reader, const std::vector<XerTask>& tasks,
-             const XerScheduling& scheduling, Plan& plan, WarningList& warnings)
+             const XerScheduling& scheduling, XerCalendars& calendars, Plan& plan,
+             WarningList& warnings)
       : file_(file),
         reader_(reader),
         tasks_(tasks),
         scheduling_(scheduling),
+        calendars_(calendars),
+        lags_(plan),
         plan_(plan),
         warnings_(warnings) {}
 
@@ -87,9 +92,9 @@ class LinkReader {
     const LinkType type = ReadLinkType(row);
     const std::int32_t lag_minutes = row.Minutes("lag_hr_cnt", 0);
     if (successor < 0 || predecessor < 0) {
-      const bool kept =
-          scheduling_.use_external_dates && lag_minutes == 0 &&
-          (successor < 0 ? HoldBefore(row, predecessor, type) : HoldAfter(row, successor, type));
+      const bool kept = scheduling_.use_external_dates &&
+                        (successor < 0 ? HoldBefore(row, predecessor, type, lag_minutes)
+                                       : HoldAfter(row, successor, type, lag_minutes));
       warnings_.Add(kept ? "links to activities of other projects: kept as constraints at their "
                            "dates in the file"
                          : "links to activities of other projects: left out");
@@ -101,30 +106,59 @@ class LinkReader {
 
   Uid UidAt(std::int32_t position) const { return tasks_[static_cast<std::size_t>(position)].uid; }
 
-  /// Holds a task of ours behind a predecessor in another project.
-  bool HoldAfter(const XerRow& row, std::int32_t successor, LinkType type) {
-    const XerOuterTask* outer = reader_.FindOuter(row.Text("pred_task_id"));
+  /// Holds a task of ours behind a predecessor in another project. One that is finished holds
+  /// nothing past the data date.
+  bool HoldAfter(const XerRow& row, std::int32_t successor, LinkType type, std::int32_t lag) {
+    const XerOuterTask& outer = *reader_.FindOuter(row.Text("pred_task_id"));
+    const Task& ours = *plan_.FindTask(UidAt(successor));
+    const bool goes_ahead =
+        ours.IsStarted() && plan_.schedule.progress != ProgressRule::kRetainedLogic;
+    if (outer.is_finished || goes_ahead) {
+      return true;
+    }
     const bool from_finish = type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish;
     const bool to_start = type == LinkType::kFinishToStart || type == LinkType::kStartToStart;
-    return Hold(successor,
-                to_start ? ConstraintType::kStartNoEarlier : ConstraintType::kFinishNoEarlier,
-                from_finish ? outer->finish : outer->start);
+    const bool is_early = plan_.schedule.lag_from_early_start || outer.actual_start.IsAbsent();
+    const Instant start = is_early ? outer.early_start : outer.actual_start;
+    return Hold(
+        successor, to_start ? ConstraintType::kStartNoEarlier : ConstraintType::kFinishNoEarlier,
+        lags_.EndOf(from_finish ? outer.finish : start, lag, LagCalendarOf(outer, ours, true)));
   }
 
   /// Holds a task of ours before a successor in another project.
-  bool HoldBefore(const XerRow& row, std::int32_t predecessor, LinkType type) {
-    const XerOuterTask* outer = reader_.FindOuter(row.Text("task_id"));
+  bool HoldBefore(const XerRow& row, std::int32_t predecessor, LinkType type, std::int32_t lag) {
+    const XerOuterTask& outer = *reader_.FindOuter(row.Text("task_id"));
+    const Task& ours = *plan_.FindTask(UidAt(predecessor));
+    if (outer.is_finished) {
+      return true;
+    }
     const bool from_finish = type == LinkType::kFinishToStart || type == LinkType::kFinishToFinish;
     const bool to_start = type == LinkType::kFinishToStart || type == LinkType::kStartToStart;
     return Hold(predecessor,
                 from_finish ? ConstraintType::kFinishNoLater : ConstraintType::kStartNoLater,
-                to_start ? outer->late_start : outer->late_finish);
+                lags_.BeginOf(to_start ? outer.late_start : outer.late_finish, lag,
+                              LagCalendarOf(outer, ours, false)));
+  }
+
+  /// The calendar on which a lag between a task of ours and one of another project runs; 0 for the
+  /// clock.
+  Uid LagCalendarOf(const XerOuterTask& outer, const Task& ours, bool outer_comes_first) {
+    const LagCalendar rule = scheduling_.lag_calendar;
+    if (rule == LagCalendar::kElapsed) {
+      return 0;
+    }
+    Uid calendar = 0;
+    if (rule != LagCalendar::kPlanDefault) {
+      const bool is_outer = (rule == LagCalendar::kPredecessor) == outer_comes_first;
+      calendar = is_outer ? calendars_.UidOf(outer.calendar, plan_) : ours.calendar;
+    }
+    return calendar == 0 ? plan_.default_calendar : calendar;
   }
 
   bool Hold(std::int32_t position, ConstraintType type, Instant date) {
     const bool about_start =
         type == ConstraintType::kStartNoEarlier || type == ConstraintType::kStartNoLater;
-    return !date.IsAbsent() && HoldToOuterDate(*plan_.FindTask(UidAt(position)), type,
+    return IsPlanDate(date) && HoldToOuterDate(*plan_.FindTask(UidAt(position)), type,
                                                about_start ? date.AsStart() : date.AsFinish());
   }
 
@@ -132,6 +166,8 @@ class LinkReader {
   const XerTaskReader& reader_;
   const std::vector<XerTask>& tasks_;
   const XerScheduling& scheduling_;
+  XerCalendars& calendars_;
+  XerLags lags_;
   Plan& plan_;
   WarningList& warnings_;
 };
@@ -178,7 +214,7 @@ ReadResult ReadXer(std::string_view bytes, const std::string& name, const ReadOp
   XerStructure structure(file, project, warnings);
   plan.title = structure.ProjectName();
   structure.AddTo(plan, tasks, reader.ids(), warnings);
-  LinkReader(file, reader, tasks, scheduling, plan, warnings).ReadAll();
+  LinkReader(file, reader, tasks, scheduling, calendars, plan, warnings).ReadAll();
   WarnOfLeftOut(file, project, warnings);
   result.warnings = warnings.Take();
   return result;

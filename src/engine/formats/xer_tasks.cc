@@ -44,7 +44,10 @@ Instant AsFinish(Instant instant) {
 
 XerOuterTask ReadOuterTask(const XerRow& row) {
   XerOuterTask task;
-  task.start = StoredDate(row, "act_start_date", "early_start_date");
+  task.actual_start = row.Date("act_start_date");
+  task.early_start = StoredDate(row, "early_start_date", "restart_date");
+  task.is_finished = !row.Text("act_end_date").empty();
+  task.calendar = row.Text("clndr_id");
   task.finish = AsFinish(StoredDate(row, "act_end_date", "early_end_date"));
   task.late_start = row.Date("late_start_date");
   task.late_finish = row.FinishDate("late_end_date");
@@ -207,6 +210,12 @@ void XerTaskReader::ReadProgress(const XerRow& row, Task& task) {
   task.actual_finish = row.FinishDate("act_end_date");
   task.suspended = row.Date("suspend_date");
   task.resumed = row.Date("resume_date");
+  if ((status == "TK_NotStart" && (task.IsStarted() || task.IsFinished())) ||
+      (status == "TK_Active" && task.IsFinished())) {
+    warnings_.Add("actual dates that an activity's status says have not come yet: left out");
+    task.actual_start = status == "TK_Active" ? task.actual_start : Instant();
+    task.actual_finish = {};
+  }
   if (status == "TK_Complete" && !task.IsFinished()) {
     // A start milestone has no other date; anything else without one was done by the data date.
     if (!task.IsMilestone() || !task.IsStarted()) {
@@ -230,7 +239,8 @@ void XerTaskReader::ReadProgress(const XerRow& row, Task& task) {
     task.actual_finish = task.actual_start.AsFinish();
   }
   if (task.IsFinished() && task.actual_finish.Minutes() < task.actual_start.Minutes()) {
-    row.FailField("act_end_date", "an actual finish that is not before the actual start");
+    warnings_.Add("activities that finished before they started: started when they finished");
+    task.actual_start = task.actual_finish.AsStart();
   }
 }
 
@@ -289,9 +299,25 @@ void XerTaskReader::ReadConstraints(const XerRow& row, Task& task) {
   if (task.constraint.type == ConstraintType::kNone) {
     std::swap(task.constraint, task.second_constraint);
   }
+  DropPassedConstraints(task);
   if (scheduling_.use_external_dates) {
     AddOuterDate(task, ConstraintType::kStartNoEarlier, row.Date("external_early_start_date"));
     AddOuterDate(task, ConstraintType::kFinishNoLater, row.FinishDate("external_late_end_date"));
+  }
+}
+
+void XerTaskReader::DropPassedConstraints(Task& task) {
+  if (!task.IsStarted() || task.IsFinished()) {
+    return;
+  }
+  for (Constraint* constraint : {&task.constraint, &task.second_constraint}) {
+    if (constraint->type != ConstraintType::kNone && !IsAboutFinish(constraint->type)) {
+      warnings_.Add("constraints on the start of activities that have started: left out");
+      *constraint = {};
+    }
+  }
+  if (task.constraint.type == ConstraintType::kNone) {
+    std::swap(task.constraint, task.second_constraint);
   }
 }
 

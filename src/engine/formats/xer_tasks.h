@@ -25,7 +25,9 @@ struct XerTask {
 
 /// Where an activity of another project stands, by its actual dates or those last computed.
 struct XerOuterTask {
-  Instant start, finish, late_start, late_finish;
+  Instant actual_start, early_start, finish, late_start, late_finish;
+  bool is_finished = false;
+  std::string_view calendar;  // the file's key
 };
 
 /// Holds a task to a date from outside, as a constraint of the type: in one of the same type, which
@@ -62,6 +64,8 @@ class XerTaskReader {
   void ReadProgress(const XerRow& row, Task& task);
   void ReadDurations(const XerRow& row, Task& task);
   void ReadConstraints(const XerRow& row, Task& task);
+  /// Takes out the constraints on the start of a task that has started: they have had their time.
+  void DropPassedConstraints(Task& task);
   void ReadStoredDates(const XerRow& row, Task& task);
   Constraint ReadConstraint(const XerRow& row, std::string_view type, std::string_view date);
   void AddOuterDate(Task& task, ConstraintType type, Instant date);
