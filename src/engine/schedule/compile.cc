@@ -174,11 +174,7 @@ void Compiler::FindEdges() {
 }
 
 void Compiler::AddEdge(TaskIndex from, TaskIndex to, const Link& link, std::int32_t order) {
-  if (IsSpan(from) && IsSpan(to)) {
-    network_.warnings.push_back(
-        fmt::format("The link from {} to {} joins two levels of effort and is left out",
-                    TaskAt(from).id, TaskAt(to).id));
-  } else if (IsSpan(from) || IsSpan(to)) {
+  if (IsSpan(from) || IsSpan(to)) {
     effort_edges_.push_back({from, to, &link, order});
   } else {
     edges_.push_back({from, to, &link, order});
@@ -406,12 +402,20 @@ void Compiler::MakeNodes() {
 
 void Compiler::MakeSpans() {
   const Slot efforts = network_.effort_count - network_.network_count;
-  const auto effort_of = [this](const Edge& edge) {
-    return SlotOf(IsSpan(edge.from) ? edge.from : edge.to) - network_.network_count;
-  };
-  network_.span_links =
-      GroupBy<SpanLink>(efforts, effort_edges_, effort_of, [this](const Edge& edge) {
-        const bool other_comes_first = IsSpan(edge.to);
+  // A link is there once at each of its ends that is a level of effort.
+  std::vector<std::pair<TaskIndex, const Edge*>> ends;
+  for (const Edge& edge : effort_edges_) {
+    for (const TaskIndex end : {edge.from, edge.to}) {
+      if (IsSpan(end)) {
+        ends.emplace_back(end, &edge);
+      }
+    }
+  }
+  network_.span_links = GroupBy<SpanLink>(
+      efforts, ends, [this](const auto& end) { return SlotOf(end.first) - network_.network_count; },
+      [this](const auto& end) {
+        const Edge& edge = *end.second;
+        const bool other_comes_first = edge.to == end.first;
         return SpanLink{SlotOf(other_comes_first ? edge.from : edge.to), LagOf(edge),
                         other_comes_first, IsFromFinish(edge), IsToFinish(edge)};
       });

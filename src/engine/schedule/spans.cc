@@ -1,6 +1,9 @@
 #include "engine/schedule/spans.h"
 
 #include <algorithm>
+#include <vector>
+
+#include "engine/schedule/forward.h"
 
 namespace nimbrel::engine {
 namespace {
@@ -14,27 +17,77 @@ struct Span {
   std::int32_t finish = kNoFloor;
 };
 
+/// The dates of levels of effort that may follow each other: what one needs of another is only
+/// there when that one has been placed.
+class Efforts {
+ public:
+  explicit Efforts(Network& network)
+      : network_(network),
+        is_placed_(static_cast<std::size_t>(network.effort_count - network.network_count), false) {}
+
+  // Twice through all of them: the second time each knows where those stand that it is linked to.
+  void PlaceEarly(Slot& slot) {
+    for (int sweep = 0; sweep < 2; ++sweep) {
+      for (slot = network_.network_count; slot < network_.effort_count; ++slot) {
+        if (!network_.facts[slot].is_finished) {
+          Span span = StretchOf(slot);
+          const std::int32_t floor = network_.facts[slot].own_floor;
+          span.start = span.start == kNoCeiling ? floor : std::max(span.start, floor);
+          Stretch(slot, span);
+        }
+        is_placed_[Index(slot)] = true;
+      }
+    }
+  }
+
+  void PlaceLate(Slot& slot) {
+    for (int sweep = 0; sweep < 2; ++sweep) {
+      for (slot = network_.effort_count - 1; slot >= network_.network_count; --slot) {
+        if (!network_.facts[slot].is_finished) {
+          SetLate(slot);
+        }
+        is_placed_[Index(slot)] = true;
+      }
+    }
+  }
+
+ private:
+  std::size_t Index(Slot slot) const {
+    return static_cast<std::size_t>(slot - network_.network_count);
+  }
+  bool IsKnown(Slot other) const {
+    return other < network_.network_count || is_placed_[Index(other)];
+  }
+
+  Span StretchOf(Slot slot);
+  void Stretch(Slot slot, Span span);
+  void SetLate(Slot slot);
+
+  Network& network_;
+  std::vector<bool> is_placed_;
+};
+
 /// The moments between which a level of effort stretches: from the first that its predecessors let
 /// it start to the last that keeps it to its successors, or to predecessors that it must outlast.
-/// Only where no predecessor says when to start do successors that start with it. `dates` are early
-/// or late ones.
-Span StretchOf(Network& network, Slot slot, const std::vector<std::int32_t>& dates) {
+/// Only where no predecessor says when to start do successors that start with it.
+Span Efforts::StretchOf(Slot slot) {
   Span span;
   std::int32_t start_with_successor = kNoCeiling;
-  for (const SpanLink& link : network.span_links[slot - network.network_count]) {
+  for (const SpanLink& link : network_.span_links[slot - network_.network_count]) {
+    if (!IsKnown(link.other)) {
+      continue;
+    }
     const bool other_finish = link.other_comes_first ? link.from_finish : link.to_finish;
-    // Finished tasks have no late dates: theirs do not change any more.
-    const std::vector<std::int32_t>& known = network.IsOpen(link.other) ? dates : network.early;
-    const std::int32_t date = known[2 * link.other + (other_finish ? 1 : 0)];
+    const std::int32_t date = network_.early[2 * link.other + (other_finish ? 1 : 0)];
     if (link.other_comes_first) {
-      const std::int32_t end = LagEnd(network, date, link.lag);
+      const std::int32_t end = LagEnd(network_, date, link.lag);
       if (link.to_finish) {
         span.finish = std::max(span.finish, end);
       } else {
         span.start = std::min(span.start, end);
       }
     } else {
-      const std::int32_t begin = LagBegin(network, date, link.lag);
+      const std::int32_t begin = LagBegin(network_, date, link.lag);
       if (link.from_finish) {
         span.finish = std::max(span.finish, begin);
       } else {
@@ -50,17 +103,45 @@ Span StretchOf(Network& network, Slot slot, const std::vector<std::int32_t>& dat
 
 /// Puts a level of effort into its own working time; without a link that says how long it is, it
 /// has its own duration.
-void PlaceEffort(Network& network, Slot slot, Span span, std::vector<std::int32_t>& dates) {
-  if (span.start == kNoCeiling) {
-    span.start = network.early[StartOf(slot)];
-  }
-  WorkTable& table = network.TableOf(slot);
+void Efforts::Stretch(Slot slot, Span span) {
+  WorkTable& table = network_.TableOf(slot);
   const std::int32_t start = table.Position(Unpack(span.start));
   const std::int32_t finish = span.finish == kNoFloor
-                                  ? start + table.CapMinutes(network.remaining[slot])
+                                  ? start + table.CapMinutes(network_.remaining[slot])
                                   : table.Position(Unpack(span.finish));
-  dates[StartOf(slot)] = table.StartAt(start).packed();
-  dates[FinishOf(slot)] = finish > start ? table.FinishAt(finish).packed() : dates[StartOf(slot)];
+  network_.early[StartOf(slot)] = table.StartAt(start).packed();
+  network_.early[FinishOf(slot)] =
+      finish > start ? table.FinishAt(finish).packed() : network_.early[StartOf(slot)];
+}
+
+/// Late dates of a level of effort: as long as it is early, and as late as the plan's finish and
+/// its successors let it be. Those it comes after say nothing of that.
+void Efforts::SetLate(Slot slot) {
+  WorkTable& table = network_.TableOf(slot);
+  const std::int32_t early_start = table.Position(Unpack(network_.early[StartOf(slot)]));
+  const std::int32_t early_finish = table.Position(Unpack(network_.early[FinishOf(slot)]));
+  const std::int32_t minutes = early_finish - early_start;
+  std::int32_t finish =
+      table.Position(network_.options.must_finish.IsAbsent() ? FinishOfPlan(network_)
+                                                             : network_.options.must_finish);
+  if (network_.options.must_finish.IsAbsent()) {
+    finish = std::max(finish, early_finish);  // nor does the plan's finish wait for it
+  }
+  for (const SpanLink& link : network_.span_links[slot - network_.network_count]) {
+    const bool has_late_dates = link.other < network_.open_count ||
+                                (link.other >= network_.network_count && IsKnown(link.other) &&
+                                 !network_.facts[link.other].is_finished);
+    if (link.other_comes_first || !has_late_dates) {
+      continue;
+    }
+    const std::int32_t date = network_.late[2 * link.other + (link.to_finish ? 1 : 0)];
+    const std::int32_t latest = table.Position(Unpack(LagBegin(network_, date, link.lag)));
+    finish = std::min(finish, link.from_finish ? latest : latest + minutes);
+  }
+  network_.total_float[slot] = finish - early_finish;
+  const Instant start = table.StartAt(finish - minutes);
+  network_.late[StartOf(slot)] = start.packed();
+  network_.late[FinishOf(slot)] = (minutes > 0 ? table.FinishAt(finish) : start).packed();
 }
 
 /// The dates of a summary are those of the tasks below it, of levels of effort too.
@@ -103,15 +184,7 @@ void FillEarlySpans(Network& network) {
   }
   Slot slot = network.network_count;
   try {
-    for (; slot < network.effort_count; ++slot) {
-      if (network.facts[slot].is_finished) {
-        continue;
-      }
-      Span span = StretchOf(network, slot, network.early);
-      const std::int32_t floor = network.facts[slot].own_floor;
-      span.start = span.start == kNoCeiling ? floor : std::max(span.start, floor);
-      PlaceEffort(network, slot, span, network.early);
-    }
+    Efforts(network).PlaceEarly(slot);
   } catch (const OutsideCalendars& error) {
     throw OutsideError(network, slot, error);
   }
@@ -128,15 +201,8 @@ void FillLateSpans(Network& network) {
   FillEarlySpans(network);
   Slot slot = network.network_count;
   try {
-    for (; slot < network.effort_count; ++slot) {
-      if (network.facts[slot].is_finished) {
-        continue;
-      }
-      PlaceEffort(network, slot, StretchOf(network, slot, network.late), network.late);
-      network.total_float[slot] =
-          SpanFloat(network, slot, {network.early[StartOf(slot)], network.early[FinishOf(slot)]},
-                    {network.late[StartOf(slot)], network.late[FinishOf(slot)]});
-    }
+    Efforts(network).PlaceLate(slot);
+    slot = network.effort_count;
     for (; slot < network.task_count; ++slot) {
       const Span late = SpanOfMembers(network, slot, network.late, true);
       if (late.finish == kNoFloor) {

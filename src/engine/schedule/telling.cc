@@ -100,6 +100,18 @@ Instant ReadyMoment(const Scheduler& scheduler, TaskIndex task) {
              : start;
 }
 
+std::int32_t FirstDayUnderWay(const Scheduler& scheduler, TaskIndex task) {
+  const Instant ready = ReadyMoment(scheduler, task);
+  const Network& network = scheduler.network();
+  const CalendarIndex own = CalendarsOf(scheduler, task).front();
+  const WorkCalendar& calendar = network.calendars[static_cast<std::size_t>(own)];
+  if (!calendar.open().Test(ready.day())) {
+    return ready.day();
+  }
+  const DayHours& hours = calendar.HoursOn(ready.day());
+  return ready.day() + (hours.worked_before()[ready.minute()] == hours.minutes() ? 1 : 0);
+}
+
 const std::vector<CalendarIndex>& CalendarsOf(const Scheduler& scheduler, TaskIndex task) {
   const Network& network = scheduler.network();
   const Slot slot = network.slot_of[static_cast<std::size_t>(task)];

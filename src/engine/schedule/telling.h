@@ -30,6 +30,10 @@ class ScheduleTelling {
 /// Absent for tasks that are finished, summaries and levels of effort.
 Instant ReadyMoment(const Scheduler& scheduler, TaskIndex task);
 
+/// The first day on which an unfinished task with work is under way: that of its ready moment, or
+/// the day after where no hours of its own calendar are left by then.
+std::int32_t FirstDayUnderWay(const Scheduler& scheduler, TaskIndex task);
+
 /// The calendars of a task's working time: its own first, then those behind its risk calendars.
 const std::vector<CalendarIndex>& CalendarsOf(const Scheduler& scheduler, TaskIndex task);
 
