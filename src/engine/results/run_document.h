@@ -17,8 +17,9 @@ namespace nimbrel::engine {
 /// Instant. Outputs (JSON, CSV, text, report) read this and nothing else, so that they cannot
 /// differ. Texts come from the plan as they are and may hold any UTF-8, markup included.
 ///
-/// MakeRunDocument (run_document_maker.h) fills in all of it but `inputs` and `warnings`, which the
-/// program adds, because what weather is and how it is stored is known there alone.
+/// MakeRunDocument (engine/risk/run_document_maker.h) fills in all of it but `inputs` and
+/// `warnings`, which the program adds, because what weather is and how it is stored is known there
+/// alone.
 
 /// The share of the iterations that have finished by the end of a day.
 struct CurvePoint {
@@ -159,8 +160,10 @@ struct ChainTask {
   std::string name;
   bool is_milestone = false;
   Instant start, finish;
-  bool is_pushed = false;           // held back as a task that must not be split
-  std::vector<DayRange> lost;       // days in [start, finish] that weather kept it from working
+  bool is_pushed = false;  // held back as a task that must not be split
+  /// Days that weather kept it from working: from the first day on which it waited, which may lie
+  /// before its start, to its finish.
+  std::vector<DayRange> lost;
   std::vector<std::string> causes;  // calendars that took any of these days
 };
 

@@ -83,7 +83,7 @@ void Ledger::Add(const Scheduler& scheduler, const LostDays& lost,
       table.driving.Word(word) = 0;
     }
     for (const TaskIndex task : table.tasks) {
-      const std::int32_t from = ReadyMoment(scheduler, task).day();
+      const std::int32_t from = FirstDayUnderWay(scheduler, task);
       const std::int32_t to = scheduler.early_finish(task).day();
       AddDays(table.under_way, from, to, first, last);
       if (is_driving_[static_cast<std::size_t>(task)]) {

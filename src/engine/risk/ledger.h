@@ -17,7 +17,7 @@ namespace nimbrel::engine {
 ///
 /// A task of a calendar is one that has it as its own calendar or behind a risk calendar, has work
 /// left and is no summary or level of effort. It is under way from the day on which it only waits
-/// for working time (see ReadyMoment) to the day on which it finishes; a task that must not be
+/// for working time (see FirstDayUnderWay) to the day on which it finishes; a task that must not be
 /// split and was pushed so waits from before the push. A lost day holds such a task up if the
 /// task's own calendar works that day. Each lost day of a calendar then is one of
 /// - off: no task of the calendar works that day by its own calendar;

@@ -121,6 +121,10 @@ RunResult Run(const Plan& plan, const RunOptions& options, const RunWiring& wiri
   return RunOnce(plan, options, wiring, Extent::kEverything);
 }
 
+RunResult RunForFinish(const Plan& plan, const RunOptions& options, const RunWiring& wiring) {
+  return RunOnce(plan, options, wiring, Extent::kFinishOnly);
+}
+
 ComparedResult RunWithAndWithout(const Plan& plan, const RunOptions& options,
                                  const RunWiring& wiring) {
   const auto progress_from = [&wiring](std::int32_t before) {

@@ -88,6 +88,9 @@ class WorkerError : public std::runtime_error {
 /// the caller to answer `cancelled`.
 RunResult Run(const Plan& plan, const RunOptions& options, const RunWiring& wiring);
 
+/// Run for the plan's finish alone: the result is without tasks, calendars, targets and samples.
+RunResult RunForFinish(const Plan& plan, const RunOptions& options, const RunWiring& wiring);
+
 /// Runs the analysis first without weather (nobody is attached), then with it, on the same samples
 /// of the ordinary tasks. Progress counts the iterations of both, so the total is twice
 /// `iterations`. When it is stopped in the first run, the second one has no iterations.
