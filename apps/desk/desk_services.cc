@@ -8,6 +8,7 @@
 #include <map>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "dialog/exchange_buttons.h"
 #include "dialog/frm_weather.h"
@@ -17,6 +18,14 @@
 #include "platform/ref.h"
 
 namespace nimbrel::desk {
+namespace {
+
+bool StartViewer(const std::vector<std::string>& command) {
+  constexpr std::int32_t kLastFailure = 32;
+  return platform::StartDetached(command) > kLastFailure;
+}
+
+}  // namespace
 
 OwnWindows::OwnWindows(std::function<std::int32_t()> active_window)
     : active_window_(std::move(active_window)) {}
@@ -59,18 +68,19 @@ void LocalFileDialog::Localise(platform::FileDialogRecord& record) const {
 }
 
 DeskServices::DeskServices(toolkit::Desktop& desktop, const std::string& host_folder,
-                           std::function<std::int32_t()> active_window,
-                           platform::AutomationServers* servers)
+                           std::function<std::int32_t()> active_window)
     : settings_(platform::UserSettingsFile([](const char* name) { return std::getenv(name); })),
       process_start_(std::map<std::string, std::string>{
           {host_folder + "\\Progress.exe", host_folder + "/nimbrel-progress"}}),
       windows_(std::move(active_window)),
       desktop_file_dialog_(desktop),
       file_dialog_(desktop_file_dialog_, host_folder),
-      help_({host_folder + "/help", host_folder + "/../share/nimbrel/help"}, process_start_) {
+      help_({host_folder + "/help", host_folder + "/../share/nimbrel/help"}, process_start_),
+      workbook_viewer_(StartViewer, desktop),
+      workbook_servers_(workbook_viewer_) {
   modToolBox::Wire({&settings_, &process_start_, &windows_, &file_dialog_, &help_,
                     &directory_search_, &desktop});
-  modExcel::Wire({servers, &desktop});
+  modExcel::Wire({&workbook_servers_, &desktop});
   modImportExport::Wire(
       {&desktop, [&desktop](const std::vector<modImportExport::ListedSheet>& sheets,
                             const std::string& DataType) {

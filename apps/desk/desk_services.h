@@ -6,12 +6,13 @@
 
 #include "desktop/mod_tool_box.h"
 #include "dialog/desktop_file_dialog.h"
-#include "platform/automation.h"
 #include "platform/posix/detached_process_start.h"
 #include "platform/posix/folder_search.h"
 #include "platform/posix/help_pages.h"
 #include "platform/posix/ini_settings_store.h"
 #include "platform/window_system.h"
+#include "spreadsheet/excel_application.h"
+#include "spreadsheet/workbook_viewer.h"
 #include "toolkit/desktop.h"
 
 namespace nimbrel::desk {
@@ -54,12 +55,10 @@ class LocalFileDialog final : public platform::FileDialog {
 /// long as the object lives, and one at a time.
 class DeskServices {
  public:
-  /// `desktop` must outlive the object, and so must `servers`, which make the application of
-  /// workbooks; without any, the user is told that there is none. `host_folder` is the folder of
-  /// the programs, without a closing separator.
+  /// `desktop` must outlive the object. `host_folder` is the folder of the programs, without a
+  /// closing separator.
   DeskServices(toolkit::Desktop& desktop, const std::string& host_folder,
-               std::function<std::int32_t()> active_window,
-               platform::AutomationServers* servers = nullptr);
+               std::function<std::int32_t()> active_window);
   ~DeskServices();
   DeskServices(const DeskServices&) = delete;
   DeskServices& operator=(const DeskServices&) = delete;
@@ -72,6 +71,8 @@ class DeskServices {
   LocalFileDialog file_dialog_;
   platform::HelpPages help_;
   platform::FolderSearch directory_search_;
+  spreadsheet::DesktopViewer workbook_viewer_;
+  spreadsheet::ExcelServers workbook_servers_;
 };
 
 /// What opens the weather dialog for the active plan, as the host's user would: `desktop` shows it

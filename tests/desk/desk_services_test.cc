@@ -10,6 +10,7 @@
 #include <string>
 #include <thread>
 
+#include "dialog/frm_weather.h"
 #include "engine/objects/host.h"
 #include "nimbrel/wiring.h"
 #include "tests/desk/scripted_desktop.h"
@@ -22,14 +23,21 @@ namespace {
 class DeskServicesTest : public platform::ScratchTest {
  protected:
   DeskServicesTest() {
+    // Settings, programs and temporary files of the test alone, but for the shell's own tools.
     ::setenv("XDG_CONFIG_HOME", Path("config").c_str(), 1);
+    ::setenv("TMPDIR", folder_.c_str(), 1);
+    ::setenv("PATH", (folder_.string() + ":" + path_).c_str(), 1);
     services_.emplace(desktop_, folder_.string(), [] { return 4711; });
     engine::HostOptions options;
     options.path = folder_.string();
     host_ = platform::MakeRef<engine::Host>(std::move(options));
     joined_ = cli::JoinAddIn(*host_);
   }
-  ~DeskServicesTest() override { ::unsetenv("XDG_CONFIG_HOME"); }
+  ~DeskServicesTest() override {
+    ::unsetenv("XDG_CONFIG_HOME");
+    ::unsetenv("TMPDIR");
+    ::setenv("PATH", path_.c_str(), 1);
+  }
 
   std::string Await(const std::string& name) const {
     using namespace std::chrono_literals;
@@ -39,6 +47,7 @@ class DeskServicesTest : public platform::ScratchTest {
     return Read(Path(name));
   }
 
+  const std::string path_ = std::getenv("PATH");
   ScriptedDesktop desktop_;
   std::optional<DeskServices> services_;
   platform::Ref<engine::Host> host_;
@@ -93,6 +102,31 @@ TEST_F(DeskServicesTest, FilesAreLookedForInTheFileSystem) {
 TEST_F(DeskServicesTest, HelpThatIsNotThereGoesUnnoticed) {
   modToolBox::ShowHelpTopic("C21_WeatherOverview.html");
   EXPECT_TRUE(desktop_.shown.empty());
+}
+
+TEST_F(DeskServicesTest, AWorkbookOfTheDialogIsBroughtBeforeTheUser) {
+  WriteScript("soffice", "cp \"$2\" '" + Path("shown.part").string() + "'\nmv '" +
+                             Path("shown.part").string() + "' '" + Path("shown").string() + "'\n");
+  engine::Plan plan;
+  plan.start = engine::Instant(46000, 480);
+  plan.default_calendar = plan.AddCalendar(engine::MakeWeekCalendar("STANDARD", 5, 8)).uid;
+  host_->Open(std::move(plan));
+  desktop_.hands.push_back([this](toolkit::Form& form) {
+    auto& dialog = dynamic_cast<dialog::frmWeather&>(form);
+    dialog.chkIsWeather.UserClick();
+    desktop_.hands.push_back([](toolkit::Form& question) {
+      dynamic_cast<toolkit::EditControl&>(*question.Find("txtCalName")).UserType("RIVER");
+      question.Find("cmdOK")->UserClick();
+    });
+    dialog.tabs.UserPickTab(1);
+    dialog.cmdAddWWCal.UserClick();
+    dialog.cmdExport.UserClick();
+    dialog.cmdClose.UserClick();
+  });
+  WeatherDialogOn(desktop_)();
+  EXPECT_TRUE(Await("shown").starts_with("PK")) << "a workbook is a zip file";
+  EXPECT_NE(Read(Path("config/nimbrel/settings.ini")).find("Running=0\n"), std::string::npos);
+  EXPECT_TRUE(desktop_.shown.empty()) << desktop_.shown.front();
 }
 
 TEST_F(DeskServicesTest, WindowsAreThoseOfThisProcess) {

@@ -52,9 +52,11 @@ bool CanRun(const std::string& file) {
   ::_exit(1);
 }
 
-std::int32_t Start(std::vector<std::string> words, const std::string& directory) {
+}  // namespace
+
+std::int32_t StartDetached(std::vector<std::string> command, const std::string& folder) {
   std::vector<char*> arguments;
-  for (std::string& word : words) {
+  for (std::string& word : command) {
     arguments.push_back(word.data());
   }
   arguments.push_back(nullptr);
@@ -72,7 +74,7 @@ std::int32_t Start(std::vector<std::string> words, const std::string& directory)
     // A child of the child: when that ends at once, the system adopts it.
     const pid_t grandchild = ::fork();
     if (grandchild == 0) {
-      Become(arguments, directory.c_str(), writing.number());
+      Become(arguments, folder.c_str(), writing.number());
     }
     ::_exit(grandchild < 0 ? 1 : 0);
   }
@@ -92,8 +94,6 @@ std::int32_t Start(std::vector<std::string> words, const std::string& directory)
   return error == ENOENT ? kNotFound : kAccessDenied;
 }
 
-}  // namespace
-
 DetachedProcessStart::DetachedProcessStart(std::map<std::string, std::string> programs,
                                            std::string opener)
     : programs_(std::move(programs)), opener_(std::move(opener)) {}
@@ -110,9 +110,10 @@ std::int32_t DetachedProcessStart::ShellExecute(std::int32_t /*owner*/, const st
     if (!parameters.empty()) {
       words.push_back(parameters);
     }
-    return Start(std::move(words), directory);
+    return StartDetached(std::move(words), directory);
   }
-  return ::access(local.c_str(), F_OK) == 0 ? Start({opener_, local}, directory) : kNotFound;
+  return ::access(local.c_str(), F_OK) == 0 ? StartDetached({opener_, local}, directory)
+                                            : kNotFound;
 }
 
 }  // namespace nimbrel::platform
