@@ -1,31 +1,28 @@
 #include "tests/tools/gesture_tool.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <memory>
-#include <sstream>
 #include <utility>
 
-#include "desktop/mod_tool_box.h"
-#include "dialog/desktop_file_dialog.h"
+#include "dialog/exchange_buttons.h"
 #include "dialog/frm_weather.h"
 #include "engine/objects/host.h"
 #include "host/cls_nimbrel.h"
 #include "host/mod_global.h"
 #include "nimbrel/command_error.h"
+#include "nimbrel/input_text.h"
 #include "nimbrel/plan_document.h"
 #include "nimbrel/wiring.h"
 #include "platform/locale.h"
 #include "tests/support/gestures/gesture_player.h"
 #include "tests/support/gestures/gesture_script.h"
 #include "tests/tools/faces.h"
+#include "tests/tools/quiet_services.h"
 
 namespace nimbrel::gestures {
 namespace {
 
 using cli::BadCommandLine;
-using cli::FileTrouble;
 
 struct Command {
   std::string face = Faces().front().name;
@@ -91,59 +88,31 @@ std::unique_ptr<Hands> MakeHands(const std::string& name) {
   return face->make_hands();
 }
 
-std::string ReadText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  text << file.rdbuf();
-  if (!file) {
-    throw FileTrouble(path + ": cannot be read");
-  }
-  return text.str();
-}
-
-/// Nobody reads the help here.
-class NoHelp final : public platform::HelpWindow {
- public:
-  void HtmlHelp(std::int32_t /*owner*/, const std::string& /*file*/, std::int32_t /*command*/,
-                std::int32_t /*data*/) override {}
-};
-
-/// Makes the host the add-in's application, and the desktop that of its services, for as long as it
-/// lives.
+/// Makes the host the add-in's application for as long as it lives.
 class Wired {
  public:
-  Wired(engine::Host& host, toolkit::Desktop& desktop, const platform::Locale& locale)
-      : file_dialog_(desktop) {
+  Wired(engine::Host& host, const platform::Locale& locale) {
     modGlobal::Wire({[&host] { return platform::Ref<Corvane8::Application>(&host); }, locale});
-    modToolBox::Services services;
-    services.file_dialog = &file_dialog_;
-    services.help = &help_;
-    services.message_box = &desktop;
-    modToolBox::Wire(services);
   }
-  ~Wired() {
-    modToolBox::Wire({});
-    modGlobal::Wire({});
-  }
+  ~Wired() { modGlobal::Wire({}); }
   Wired(const Wired&) = delete;
   Wired& operator=(const Wired&) = delete;
-
- private:
-  dialog::DesktopFileDialog file_dialog_;
-  NoHelp help_;
 };
 
 void Play(const Command& command, std::ostream& out) {
   std::unique_ptr<Hands> hands = MakeHands(command.face);
-  std::vector<Gesture> script = ParseScript(ReadText(command.script), command.script);
+  std::vector<Gesture> script = ParseScript(cli::ReadTextFile(command.script), command.script);
   const auto host =
       engine::MakeHost(cli::OpenPlanToChange(command.plan).plan, cli::MakeHostOptions());
   GesturePlayer player(std::move(script), *hands, out);
   {
-    const Wired wired(*host, player, *command.locale);
+    const Wired wired(*host, *command.locale);
+    const QuietServices services(player, command.plan + ".shown.xlsx");
     host::Seams seams;
     seams.message_box = &player;
-    seams.ShowWeatherDialog = [&player] { dialog::ShowWeatherDialog(player, {}); };
+    seams.ShowWeatherDialog = [&player] {
+      dialog::ShowWeatherDialog(player, dialog::WorkbookButtons());
+    };
     const auto entry = platform::MakeRef<host::clsNimbrel>(std::move(seams));
     player.Play([&entry] { entry->Main(); });
   }
