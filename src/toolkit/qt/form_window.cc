@@ -128,7 +128,7 @@ bool FormWindow::FillPane(const Container& container, QWidget& pane, int width, 
                           bool whole) {
   int top = height;
   for (const Control* const control : container.Controls()) {
-    top = std::min(top, control->Top());
+    top = control->Visible() ? std::min(top, control->Top()) : top;
   }
   // A frame's caption, and the tabs above a page, take the room that they need.
   top = whole ? 0 : std::max(top - kRoomBelowCaption, 0);

@@ -5,10 +5,25 @@
 #include <QStyle>
 #include <QStyleOptionFocusRect>
 #include <QStyleOptionViewItem>
+#include <QStyledItemDelegate>
 
 namespace nimbrel::toolkit::qt {
+namespace {
+
+/// Rows with some air between them, so that check boxes don't touch.
+class AiryRows final : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, option.fontMetrics.height() / 3);
+  }
+};
+
+}  // namespace
 
 ItemView::ItemView(QWidget* parent) : QTreeView(parent) {
+  setItemDelegate(new AiryRows(this));
   setUniformRowHeights(true);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
   setSelectionMode(QAbstractItemView::SingleSelection);

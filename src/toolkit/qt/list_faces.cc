@@ -24,7 +24,7 @@ class ListFace : public ControlFace {
   int NeededWidth() const override { return view_.fontMetrics().averageCharWidth() * 12; }
   int NeededHeight(int /*width*/) const override {
     const int header = view_.header()->isHidden() ? 0 : view_.header()->sizeHint().height();
-    const int row = view_.fontMetrics().height() + 4;
+    const int row = view_.fontMetrics().height() * 4 / 3 + 2;
     return header + kRowsAtLeast * row + 2 * view_.frameWidth();
   }
 
