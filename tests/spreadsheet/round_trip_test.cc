@@ -1,0 +1,132 @@
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "spreadsheet/text_coding.h"
+#include "spreadsheet/workbook_reader.h"
+#include "spreadsheet/xlsx_writer.h"
+#include "tests/spreadsheet/test_files.h"
+
+namespace nimbrel::spreadsheet {
+namespace {
+
+/// A workbook of random values, such as the ones that weather data has and odder ones.
+Workbook RandomWorkbook() {
+  Workbook workbook;
+  const auto sheets = *rc::gen::inRange(1, 4);
+  const auto date = workbook.AddNumberFormat("dd mmm yyyy");
+  const auto percent = workbook.AddNumberFormat("0.00%");
+  for (int i = 0; i < sheets; ++i) {
+    Sheet& sheet = workbook.AddSheet("Sheet " + std::to_string(i));
+    for (int left = *rc::gen::inRange(0, 40); left > 0; --left) {
+      Cell cell{.row = *rc::gen::inRange(1, 30),
+                .column = *rc::gen::inRange<std::uint16_t>(1, 12),
+                .value = 0.0};
+      switch (*rc::gen::inRange(0, 5)) {
+        case 0:
+          cell.value = workbook.AddText("t" + ValidUtf8(*rc::gen::string<std::string>()));
+          break;
+        case 1:
+          cell.value = *rc::gen::arbitrary<bool>();
+          break;
+        case 2:
+          cell.format = date;
+          cell.value = static_cast<double>(*rc::gen::inRange(61, 2'958'465));
+          break;
+        case 3:
+          cell.format = percent;
+          cell.value = *rc::gen::inRange(0, 10'001) / 10'000.0;
+          break;
+        default:
+          cell.value = *rc::gen::arbitrary<int>() / 1024.0;
+      }
+      sheet.Put(cell);
+    }
+  }
+  return workbook;
+}
+
+/// Whether two workbooks have the same sheets with the same values, dates in the same places.
+::testing::AssertionResult SameValues(const Workbook& a, const Workbook& b) {
+  if (a.sheets().size() != b.sheets().size()) {
+    return ::testing::AssertionFailure() << b.sheets().size() << " sheets";
+  }
+  for (std::size_t i = 0; i < a.sheets().size(); ++i) {
+    const Sheet& first = *a.sheets()[i];
+    const Sheet& second = *b.sheets()[i];
+    if (first.name() != second.name() || first.cells().size() != second.cells().size()) {
+      return ::testing::AssertionFailure() << first.name() << " and " << second.name();
+    }
+    for (std::size_t j = 0; j < first.cells().size(); ++j) {
+      const Cell& x = first.cells()[j];
+      const Cell& y = second.cells()[j];
+      const auto* text = std::get_if<TextId>(&x.value);
+      const bool same_value = text != nullptr
+                                  ? std::holds_alternative<TextId>(y.value) &&
+                                        a.Text(*text) == b.Text(std::get<TextId>(y.value))
+                                  : x.value == y.value;
+      const bool same_kind =
+          a.IsDate(a.NumberFormatOf(first, x)) == b.IsDate(b.NumberFormatOf(second, y));
+      if (x.row != y.row || x.column != y.column || !same_value || !same_kind) {
+        return ::testing::AssertionFailure()
+               << first.name() << ", " << ColumnLetters(x.column) << x.row;
+      }
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
+
+TEST(RoundTrip, RandomWorkbooksReadBackAsTheyWere) {
+  const bool holds = rc::check("a workbook survives", [] {
+    const Workbook workbook = RandomWorkbook();
+    const TemporaryFolder folder;
+    WriteXlsx(workbook, folder.File("w.xlsx"));
+    RC_ASSERT(SameValues(workbook, ReadWorkbook(folder.File("w.xlsx"))));
+  });
+  EXPECT_TRUE(holds);
+}
+
+/// A workbook with a value of each kind.
+Workbook PlainWorkbook() {
+  Workbook workbook;
+  Sheet& sheet = workbook.AddSheet("Frühling");
+  workbook.AddSheet("empty");
+  const auto date = workbook.AddNumberFormat("dd mmm yyyy");
+  const auto percent = workbook.AddNumberFormat("0.00%");
+  for (std::int32_t row = 6; row < 40; ++row) {
+    sheet.Put({row, 2, kFormatOfPlace,
+               workbook.AddText("heavy rain, <1/2> & 雨 " + std::to_string(row))});
+    sheet.Put({row, 3, date, 46'000.0 + row});
+    sheet.Put({row, 4, date, 46'000.25 + row});
+    sheet.Put({row, 5, percent, row / 64.0});
+    sheet.Put({row, 6, kFormatOfPlace, row * 1.0});
+    sheet.Put({row, 7, kFormatOfPlace, row % 2 == 0});
+  }
+  return workbook;
+}
+
+/// LibreOffice as a second writer of both formats, where it is installed.
+class OtherWriter : public testing::TestWithParam<const char*> {};
+
+TEST_P(OtherWriter, WhatItSavesReadsBackAsItWas) {
+  if (std::system("command -v soffice >/dev/null 2>&1") != 0) {
+    GTEST_SKIP() << "soffice is not installed";
+  }
+  const Workbook workbook = PlainWorkbook();
+  const TemporaryFolder folder;
+  WriteXlsx(workbook, folder.File("w.xlsx"));
+  std::filesystem::create_directory(folder.File("out"));
+  const std::string command = "soffice --headless -env:UserInstallation=file://" +
+                              folder.File("home") + " --convert-to " + GetParam() + " --outdir " +
+                              folder.File("out") + " " + folder.File("w.xlsx") + " >/dev/null 2>&1";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_TRUE(SameValues(workbook, ReadWorkbook(folder.File("out/w.") + GetParam())));
+}
+
+INSTANTIATE_TEST_SUITE_P(LibreOffice, OtherWriter, testing::Values("xlsx", "xls"),
+                         [](const auto& info) { return std::string(info.param); });
+
+}  // namespace
+}  // namespace nimbrel::spreadsheet
