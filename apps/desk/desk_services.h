@@ -17,8 +17,7 @@
 
 namespace nimbrel::desk {
 
-/// Windows where the host is this process and has none of its own: handle 0, which such a host
-/// gives, stands for it here.
+/// Windows where the host is this process: all are of the one thread that shows them.
 class OwnWindows final : public platform::WindowSystem {
  public:
   /// `active_window` gives the handle of the window that the user works in; empty: there is none.
@@ -27,7 +26,7 @@ class OwnWindows final : public platform::WindowSystem {
   std::int32_t GetActiveWindow() override;
   /// Always 0: windows here know no program that made them.
   std::int32_t GetWindowLong(std::int32_t window, std::int32_t index) override;
-  /// The thread that calls, whatever the window: all windows of this process are that thread's.
+  /// The thread that calls, also for window 0, which a host without one gives.
   std::int32_t GetWindowThread(std::int32_t window) override;
 
  private:

@@ -32,6 +32,7 @@ cli::ExitCode EditWeather(const std::string& path, int& argc, char** argv, cli::
   toolkit::qt::QtDesktop desktop;
   engine::HostOptions options = cli::MakeHostOptions();
   options.path = platform::ProgramFolder();
+  options.window = ActiveWindow;
   const desk::DeskServices services(desktop, options.path, ActiveWindow);
 
   desk::WeatherDesk desk(desktop, options, desk::WeatherDialogOn(desktop), console);

@@ -4,8 +4,8 @@
 #include <QProgressBar>
 #include <QScreen>
 #include <QVBoxLayout>
-#include <QWindow>
-#include <memory>
+
+#include "progress/host_area.h"
 
 namespace nimbrel::progress {
 namespace {
@@ -13,17 +13,6 @@ namespace {
 constexpr int kWidth = 360;         // pixels
 constexpr int kMilliseconds = 200;  // between two looks at the job
 constexpr int kPlaceFromTop = 3;    // the window stands in the upper third of the host's
-
-/// Where the host's window is on the screen; empty if it cannot be told.
-QRect HostArea(std::int32_t handle) {
-  // Only with X windows can a handle of another process be looked up.
-  if (handle == 0 || QGuiApplication::platformName() != "xcb") {
-    return {};
-  }
-  const std::unique_ptr<QWindow> window(
-      QWindow::fromWinId(static_cast<WId>(static_cast<std::uint32_t>(handle))));
-  return window ? window->geometry() : QRect();
-}
 
 }  // namespace
 

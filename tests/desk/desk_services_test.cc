@@ -135,5 +135,12 @@ TEST_F(DeskServicesTest, WindowsAreThoseOfThisProcess) {
   EXPECT_EQ(modToolBox::GetWindowInstance(4711), 0);
 }
 
+TEST_F(DeskServicesTest, TheHostsWindowIsTheOneThatTheProgramNames) {
+  engine::HostOptions options;
+  options.window = [] { return 4711; };
+  EXPECT_EQ(platform::MakeRef<engine::Host>(options)->get_hWnd(), 4711);
+  EXPECT_EQ(host_->get_hWnd(), 0);
+}
+
 }  // namespace
 }  // namespace nimbrel::desk

@@ -33,7 +33,7 @@ std::string Host::get_Path() {
 }
 
 Long Host::get_hWnd() {
-  return 0;
+  return options_.window ? options_.window() : 0;
 }
 
 void Host::Open(Plan plan) {

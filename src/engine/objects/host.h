@@ -21,6 +21,8 @@ struct HostOptions {
   std::function<bool(const Task&)> carries_weather;
   /// The folder of the installation, without a closing separator.
   std::string path;
+  /// Tells the window that the user works in. None: the host has no window.
+  std::function<Corvane8::Long()> window{};
 };
 
 /// What the risk engine has sampled for one iteration, by the task's position in Plan::tasks().
@@ -56,7 +58,7 @@ class Host final : public Corvane8::Application {
 
   platform::Ref<Corvane8::Plan> get_ActivePlan() override;
   std::string get_Path() override;
-  /// 0: this host has no window.
+  /// 0 where there is no window.
   Corvane8::Long get_hWnd() override;
   void Subscribe(Corvane8::ApplicationEvents* events) override;
   void Unsubscribe(Corvane8::ApplicationEvents* events) override;
@@ -96,8 +98,8 @@ class Host final : public Corvane8::Application {
   void ApplySamples();
   /// ApplySamples, then a whole forward pass. Raises SchedulingError.
   void ScheduleIteration();
-  /// A whole forward pass on the samples, constraints and days as the scheduler has them now. Raises
-  /// SchedulingError.
+  /// A whole forward pass on the samples, constraints and days as the scheduler has them now.
+  /// Raises SchedulingError.
   void ScheduleAgain();
   /// Gives a task another primary constraint; schedules nothing.
   void SetConstraint(Uid task, const Constraint& constraint);
