@@ -35,15 +35,16 @@ std::int32_t FirstTableDay(const Plan& plan) {
 CalendarSet::CalendarSet(const Plan& plan, std::int32_t first_day, Network& network)
     : plan_(plan), first_day_(first_day), network_(network) {
   network.calendars.reserve(plan.calendars.size());
+  plain_table_.assign(plan.calendars.size(), -1);
+  index_of_ = UidIndex(plan.next_uid(), plan.tasks().size() + plan.calendars.size());
   for (const CalendarDefinition& definition : plan.calendars) {
-    index_of_.emplace(definition.uid, static_cast<CalendarIndex>(network.calendars.size()));
+    index_of_.Add(definition.uid, static_cast<CalendarIndex>(network.calendars.size()));
     network.calendars.emplace_back(definition);
   }
 }
 
 CalendarIndex CalendarSet::IndexOf(Uid calendar) const {
-  const auto found = index_of_.find(calendar);
-  return found == index_of_.end() ? -1 : found->second;
+  return index_of_.Find(calendar);
 }
 
 CalendarIndex CalendarSet::CalendarOf(const Task& task) const {
@@ -58,6 +59,22 @@ CalendarIndex CalendarSet::CalendarOf(const Task& task) const {
 }
 
 std::uint16_t CalendarSet::TableFor(const Task& task, bool needs_work) {
+  // As a rule the task before was on the same calendar, and all of them on a few.
+  const auto plain = static_cast<std::size_t>(CalendarOf(task));
+  if (task.risk_calendars.empty() && plain_table_[plain] >= 0) {
+    const auto table = static_cast<std::size_t>(plain_table_[plain]);
+    if (!needs_work || has_work_[table]) {
+      return static_cast<std::uint16_t>(table);
+    }
+  }
+  const std::uint16_t table = TableOfCombination(task, needs_work);
+  if (task.risk_calendars.empty()) {
+    plain_table_[plain] = table;
+  }
+  return table;
+}
+
+std::uint16_t CalendarSet::TableOfCombination(const Task& task, bool needs_work) {
   std::vector<CalendarIndex> combination;
   for (const RiskAssignment& assignment : task.risk_calendars) {
     const RiskCalendarDefinition* risk = plan_.FindRiskCalendar(assignment.risk_calendar);

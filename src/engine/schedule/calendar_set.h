@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <map>
-#include <unordered_map>
 #include <vector>
 
 #include "engine/plan/plan.h"
@@ -27,12 +26,14 @@ class CalendarSet {
 
  private:
   CalendarIndex IndexOf(Uid calendar) const;
+  std::uint16_t TableOfCombination(const Task& task, bool needs_work);
   void CheckHasWork(const Task& task, const std::vector<CalendarIndex>& combination) const;
 
   const Plan& plan_;
   std::int32_t first_day_;
   Network& network_;
-  std::unordered_map<Uid, CalendarIndex> index_of_;
+  UidIndex index_of_;
+  std::vector<std::int32_t> plain_table_;  // of tasks without risk calendars, by calendar; or -1
   std::map<std::vector<CalendarIndex>, std::uint16_t> table_of_;
   std::map<CalendarIndex, std::int32_t> lag_table_of_;
   std::vector<bool> has_work_;  // by table: it was checked

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <compare>
+#include <cstdint>
 #include <numeric>
-#include <tuple>
 
 #include "engine/schedule/calendar_set.h"
 #include "engine/schedule/network.h"
@@ -11,6 +12,9 @@
 
 namespace nimbrel::engine {
 namespace {
+
+/// Bounds the time and the memory that links between large summaries take.
+constexpr std::size_t kMostSummaryEdges = 10'000'000;
 
 /// Groups items by a key from 0 to `count` - 1, keeping their order.
 template <class Item, class Source, class KeyOf, class Make>
@@ -35,13 +39,18 @@ class Compiler {
  public:
   Compiler(const Plan& plan, const Scheduler::Participates& participates)
       : plan_(plan), calendars_(plan, FirstTableDay(plan), network_) {
+    const std::size_t count = plan.tasks().size();
+    network_.index_of = UidIndex(plan.next_uid(), count);
+    network_.uids.reserve(count);
+    network_.label_begin.reserve(count + 1);
+    network_.labels.reserve(32 * count);
+    network_.label_begin.push_back(0);
+    tasks_.reserve(count);
     for (const Task& task : plan.tasks()) {
       if (participates(task)) {
-        network_.index_of.emplace(task.uid, static_cast<TaskIndex>(tasks_.size()));
+        network_.index_of.Add(task.uid, static_cast<TaskIndex>(tasks_.size()));
         network_.uids.push_back(task.uid);
-        network_.labels.push_back(task.description.empty()
-                                      ? "Task " + task.id
-                                      : fmt::format("Task {} ({})", task.id, task.description));
+        AddLabel(task);
         tasks_.push_back(&task);
       }
     }
@@ -63,9 +72,13 @@ class Compiler {
  private:
   const Task& TaskAt(TaskIndex index) const { return *tasks_[static_cast<std::size_t>(index)]; }
   Slot SlotOf(TaskIndex index) const { return network_.slot_of[static_cast<std::size_t>(index)]; }
-  TaskIndex IndexOf(Uid uid) const {
-    const auto found = network_.index_of.find(uid);
-    return found == network_.index_of.end() ? -1 : found->second;
+  TaskIndex IndexOf(Uid uid) const { return network_.index_of.Find(uid); }
+  void AddLabel(const Task& task) {
+    network_.labels.append("Task ").append(task.id);
+    if (!task.description.empty()) {
+      network_.labels.append(" (").append(task.description).append(")");
+    }
+    network_.label_begin.push_back(network_.labels.size());
   }
   bool IsSpan(TaskIndex index) const {
     return TaskAt(index).kind == TaskKind::kSummary ||
@@ -89,8 +102,9 @@ class Compiler {
   }
 
   void FindMembers();
-  std::vector<TaskIndex> EndsOf(Uid uid) const;
+  std::vector<TaskIndex> EndsOf(TaskIndex index) const;
   void FindEdges();
+  void AddSummaryEdges(TaskIndex from, TaskIndex to, const Link& link, std::int32_t order);
   void AddEdge(TaskIndex from, TaskIndex to, const Link& link, std::int32_t order);
   void AssignSlots();
   void MakeFacts();
@@ -105,70 +119,97 @@ class Compiler {
   const Plan& plan_;
   Network network_;
   CalendarSet calendars_;
-  std::vector<const Task*> tasks_;                              // by TaskIndex
-  std::unordered_map<Uid, std::vector<TaskIndex>> members_of_;  // of summaries, all levels down
-  std::vector<Edge> edges_;                                     // between ordinary tasks
-  std::vector<Edge> effort_edges_;                              // with a level of effort at one end
-  std::vector<Edge> open_edges_;  // those of edges_ that can change dates
+  std::vector<const Task*> tasks_;               // by TaskIndex
+  std::vector<std::vector<TaskIndex>> members_;  // of summaries, all levels down; by TaskIndex
+  std::vector<Edge> edges_;                      // between ordinary tasks
+  std::vector<Edge> effort_edges_;               // with a level of effort at one end
+  std::vector<Edge> open_edges_;                 // those of edges_ that can change dates
+  std::size_t summary_edges_ = 0;                // that links of summaries stand for
 };
 
 void Compiler::FindMembers() {
+  const std::vector<Task>& all = plan_.tasks();
+  UidIndex position_of(plan_.next_uid(), all.size());
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    position_of.Add(all[i].uid, static_cast<std::int32_t>(i));
+  }
+  members_.resize(tasks_.size());
   for (std::size_t i = 0; i < tasks_.size(); ++i) {
     if (tasks_[i]->kind == TaskKind::kSummary) {
       continue;
     }
     std::size_t depth = 0;
     for (Uid parent = tasks_[i]->parent; parent != 0;) {
-      const Task* summary = plan_.FindTask(parent);
-      if (summary == nullptr) {
+      const std::int32_t position = position_of.Find(parent);
+      if (position < 0) {
         break;
       }
-      if (++depth > plan_.tasks().size()) {
-        throw SchedulingError(fmt::format("Task {} is its own summary", summary->id));
+      const Task& summary = all[static_cast<std::size_t>(position)];
+      if (++depth > all.size()) {
+        throw SchedulingError(fmt::format("Task {} is its own summary", summary.id));
       }
-      members_of_[parent].push_back(static_cast<TaskIndex>(i));
-      parent = summary->parent;
+      if (const TaskIndex index = IndexOf(parent); index >= 0) {
+        members_[static_cast<std::size_t>(index)].push_back(static_cast<TaskIndex>(i));
+      }
+      parent = summary.parent;
     }
   }
 }
 
 /// The tasks for which a link of this task stands: itself, or all below a summary.
-std::vector<TaskIndex> Compiler::EndsOf(Uid uid) const {
-  const TaskIndex index = IndexOf(uid);
-  if (index < 0) {
-    return {};
-  }
+std::vector<TaskIndex> Compiler::EndsOf(TaskIndex index) const {
   if (TaskAt(index).kind != TaskKind::kSummary) {
     return {index};
   }
   std::vector<TaskIndex> ends;
-  if (const auto members = members_of_.find(uid); members != members_of_.end()) {
-    std::copy_if(members->second.begin(), members->second.end(), std::back_inserter(ends),
-                 [this](TaskIndex member) { return !IsSpan(member); });
-  }
+  const std::vector<TaskIndex>& members = members_[static_cast<std::size_t>(index)];
+  std::copy_if(members.begin(), members.end(), std::back_inserter(ends),
+               [this](TaskIndex member) { return !IsSpan(member); });
   return ends;
 }
 
 void Compiler::FindEdges() {
+  edges_.reserve(plan_.links.size());
   for (std::size_t i = 0; i < plan_.links.size(); ++i) {
     const Link& link = plan_.links[i];
-    const std::vector<TaskIndex> from_ends = EndsOf(link.predecessor);
-    const std::vector<TaskIndex> to_ends = EndsOf(link.successor);
-    const bool is_inside =
-        (from_ends.size() > 1 || to_ends.size() > 1) &&
-        std::any_of(from_ends.begin(), from_ends.end(), [&to_ends](TaskIndex from) {
-          return std::find(to_ends.begin(), to_ends.end(), from) != to_ends.end();
-        });
-    if (is_inside) {
-      network_.warnings.push_back(
-          fmt::format("The link from {} to {} joins a summary to a task below it and is left out",
-                      plan_.FindTask(link.predecessor)->id, plan_.FindTask(link.successor)->id));
+    const TaskIndex from = IndexOf(link.predecessor);
+    const TaskIndex to = IndexOf(link.successor);
+    const auto order = static_cast<std::int32_t>(i);
+    if (from < 0 || to < 0) {
       continue;
     }
-    for (const TaskIndex from : from_ends) {
-      for (const TaskIndex to : to_ends) {
-        AddEdge(from, to, link, static_cast<std::int32_t>(i));
-      }
+    if (TaskAt(from).kind == TaskKind::kSummary || TaskAt(to).kind == TaskKind::kSummary) {
+      AddSummaryEdges(from, to, link, order);
+    } else {
+      AddEdge(from, to, link, order);
+    }
+  }
+}
+
+void Compiler::AddSummaryEdges(TaskIndex from, TaskIndex to, const Link& link, std::int32_t order) {
+  const std::vector<TaskIndex> from_ends = EndsOf(from);
+  const std::vector<TaskIndex> to_ends = EndsOf(to);
+  std::vector<bool> is_from(tasks_.size(), false);
+  for (const TaskIndex end : from_ends) {
+    is_from[static_cast<std::size_t>(end)] = true;
+  }
+  if (std::any_of(to_ends.begin(), to_ends.end(),
+                  [&](TaskIndex end) { return is_from[static_cast<std::size_t>(end)]; })) {
+    network_.warnings.push_back(
+        fmt::format("The link from {} to {} joins a summary to a task below it and is left out",
+                    TaskAt(from).id, TaskAt(to).id));
+    return;
+  }
+  summary_edges_ += from_ends.size() * to_ends.size();
+  if (summary_edges_ > kMostSummaryEdges) {
+    throw SchedulingError(
+        fmt::format("The links of summaries stand for more than {} links between the tasks below "
+                    "them: the one from {} to {} is one too many",
+                    kMostSummaryEdges, TaskAt(from).id, TaskAt(to).id));
+  }
+  for (const TaskIndex from_end : from_ends) {
+    for (const TaskIndex to_end : to_ends) {
+      AddEdge(from_end, to_end, link, order);
     }
   }
 }
@@ -202,16 +243,26 @@ void Compiler::AssignSlots() {
            : task.IsFinished()                     ? 1
                                                    : 0;
   };
-  std::vector<std::tuple<int, std::int32_t, bool, std::int32_t, Uid, TaskIndex>> keys;
+  struct Key {
+    std::uint64_t order = 0;  // group, level, lags, predecessors
+    std::uint64_t last = 0;   // calendar, index
+    auto operator<=>(const Key&) const = default;
+  };
+  std::vector<Key> keys;
   keys.reserve(tasks_.size());
   for (TaskIndex index = 0; index < count; ++index) {
     const auto i = static_cast<std::size_t>(index);
-    keys.emplace_back(group_of(index), levels[i], has_lag[i], predecessors[i],
-                      TaskAt(index).calendar, index);
+    const auto group = static_cast<std::uint64_t>(group_of(index));
+    const auto level = static_cast<std::uint64_t>(levels[i]);
+    const auto links = static_cast<std::uint64_t>(std::min(predecessors[i], (1 << 20) - 1));
+    keys.push_back({group << 53 | level << 21 | (has_lag[i] ? 1U : 0U) << 20 | links,
+                    static_cast<std::uint64_t>(TaskAt(index).calendar) << 32 |
+                        static_cast<std::uint64_t>(index)});
   }
   std::sort(keys.begin(), keys.end());
-  for (const auto& key : keys) {
-    network_.index_at.push_back(std::get<5>(key));
+  network_.index_at.reserve(keys.size());
+  for (const Key& key : keys) {
+    network_.index_at.push_back(static_cast<TaskIndex>(key.last & 0xFFFFFFFFU));
   }
 
   network_.slot_of.resize(tasks_.size());
@@ -422,7 +473,8 @@ void Compiler::MakeSpans() {
   network_.span_members.first.push_back(0);
   for (Slot slot = network_.effort_count; slot < network_.task_count; ++slot) {
     const Task& summary = TaskAt(network_.index_at[static_cast<std::size_t>(slot)]);
-    for (const TaskIndex member : members_of_[summary.uid]) {
+    for (const TaskIndex member :
+         members_[static_cast<std::size_t>(network_.index_at[static_cast<std::size_t>(slot)])]) {
       network_.span_members.items.push_back(SlotOf(member));
     }
     network_.span_members.first.push_back(

@@ -4,13 +4,13 @@
 #include <functional>
 #include <limits>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "engine/calendar/work_calendar.h"
 #include "engine/calendar/work_table.h"
 #include "engine/plan/plan.h"
 #include "engine/schedule/scheduler.h"
+#include "engine/schedule/uid_index.h"
 
 namespace nimbrel::engine {
 
@@ -131,9 +131,10 @@ struct Network {
   Slot task_count = 0;
 
   // Identity. A TaskIndex follows the plan's order.
-  std::vector<Uid> uids;            // by TaskIndex
-  std::vector<std::string> labels;  // by TaskIndex
-  std::unordered_map<Uid, TaskIndex> index_of;
+  std::vector<Uid> uids;                 // by TaskIndex
+  std::string labels;                    // of all tasks, one after the other
+  std::vector<std::size_t> label_begin;  // of each, by TaskIndex, and the end of the last
+  UidIndex index_of;
   std::vector<Slot> slot_of;        // by TaskIndex
   std::vector<TaskIndex> index_at;  // by slot
   std::vector<std::string> warnings;
@@ -177,7 +178,10 @@ struct Network {
   bool IsOpen(Slot slot) const { return slot < open_count; }
   void MarkDirty(Slot slot) { dirty[slot >> 6] |= std::uint64_t{1} << (slot & 63); }
   /// "Task A1000 (Excavate)".
-  const std::string& LabelOf(Slot slot) const { return labels[index_at[slot]]; }
+  std::string LabelOf(Slot slot) const {
+    const auto task = static_cast<std::size_t>(index_at[slot]);
+    return labels.substr(label_begin[task], label_begin[task + 1] - label_begin[task]);
+  }
 };
 
 /// Compiles the plan. Raises SchedulingError as the constructor of Scheduler does.

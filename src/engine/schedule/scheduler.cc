@@ -71,8 +71,7 @@ std::int32_t Scheduler::task_count() const {
 }
 
 TaskIndex Scheduler::IndexOf(Uid task) const {
-  const auto found = compiled_->network.index_of.find(task);
-  return found == compiled_->network.index_of.end() ? -1 : found->second;
+  return compiled_->network.index_of.Find(task);
 }
 
 Uid Scheduler::TaskAt(TaskIndex task) const {

@@ -84,20 +84,24 @@ Instant ReadyMoment(const Scheduler& scheduler, TaskIndex task) {
   }
   const Node& node = network.nodes[static_cast<std::size_t>(slot)];
   std::int32_t bound = node.floor;
+  std::int32_t finish_bound = network.finish_floor[static_cast<std::size_t>(slot)];
   if (!node.is_mandatory) {
     for (const InLink& link : network.in_links[slot]) {
-      if (!link.to_finish) {
-        bound = std::max(
-            bound, LagEnd(network, network.early[static_cast<std::size_t>(link.date)], link.lag));
-      }
+      std::int32_t& held = link.to_finish ? finish_bound : bound;
+      held = std::max(
+          held, LagEnd(network, network.early[static_cast<std::size_t>(link.date)], link.lag));
     }
   }
   const Instant start = Instant::FromPacked(network.early[static_cast<std::size_t>(StartOf(slot))]);
   const Instant ready = Instant::FromPacked(bound);
+  if (bound == kNoFloor || start < ready) {
+    return start;
+  }
   WorkTable& table = network.TableOf(slot);
-  return bound != kNoFloor && ready < start && table.Position(ready) == table.Position(start)
-             ? ready
-             : start;
+  const bool is_held_at_finish =
+      finish_bound != kNoFloor &&
+      table.Position(Instant::FromPacked(finish_bound)) - node.minutes > table.Position(ready);
+  return is_held_at_finish ? start : ready;
 }
 
 std::int32_t FirstDayUnderWay(const Scheduler& scheduler, TaskIndex task) {
