@@ -139,6 +139,29 @@ TEST(Plan, RemovesSeveralTasksAsOneByOne) {
   EXPECT_THAT(plan.links, ElementsAre(Link{leaf, other}));
 }
 
+TEST(Plan, StillFindsEveryTaskAfterEachRemovalAndRenaming) {
+  Plan plan;
+  for (int i = 0; i < 50; ++i) {
+    plan.AddTask(MakeTask("T" + std::to_string(i)));
+  }
+  // 17 and 50 have no common divisor: the steps go through all places in a mixed order.
+  for (int step = 0; step < 50; ++step) {
+    const std::string id = "T" + std::to_string(step * 17 % 50);
+    const Uid uid = plan.FindTask(id)->uid;
+    if (step % 3 == 0) {
+      plan.RenameTask(uid, id + "-RENAMED");
+    }
+    plan.RemoveTask(uid);
+    EXPECT_EQ(plan.FindTask(id), nullptr);
+    EXPECT_EQ(plan.FindTask(id + "-renamed"), nullptr);
+    EXPECT_EQ(plan.IndexOf(uid), -1);
+    for (std::size_t i = 0; i < plan.tasks().size(); ++i) {
+      EXPECT_EQ(plan.FindTask(plan.tasks()[i].id), &plan.tasks()[i]);
+      EXPECT_EQ(plan.IndexOf(plan.tasks()[i].uid), static_cast<std::int32_t>(i));
+    }
+  }
+}
+
 TEST(Plan, LeavesAPlanAloneWhenATaskThatIsNotThereIsRemovedOrMoved) {
   Plan plan;
   plan.AddTask(MakeTask("A"));

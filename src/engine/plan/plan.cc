@@ -42,10 +42,10 @@ void Plan::BuildIndex() const {
   if (index_valid_) {
     return;
   }
-  index_by_id_.clear();
+  uid_by_id_.clear();
   index_by_uid_.clear();
   for (std::size_t i = 0; i < tasks_.size(); ++i) {
-    index_by_id_.emplace(platform::FoldCase(tasks_[i].id), static_cast<std::int32_t>(i));
+    uid_by_id_.emplace(platform::FoldCase(tasks_[i].id), tasks_[i].uid);
     index_by_uid_.emplace(tasks_[i].uid, static_cast<std::int32_t>(i));
   }
   index_valid_ = true;
@@ -53,8 +53,8 @@ void Plan::BuildIndex() const {
 
 const Task* Plan::FindTask(std::string_view id) const {
   BuildIndex();
-  const auto found = index_by_id_.find(platform::FoldCase(id));
-  return found == index_by_id_.end() ? nullptr : &tasks_[static_cast<std::size_t>(found->second)];
+  const auto found = uid_by_id_.find(platform::FoldCase(id));
+  return found == uid_by_id_.end() ? nullptr : FindTask(found->second);
 }
 
 Task* Plan::FindTask(std::string_view id) {
@@ -91,7 +91,7 @@ Task& Plan::AddTask(Task task) {
     throw platform::RuntimeError(platform::kDuplicateKey,
                                  "A task has the number " + std::to_string(task.uid) + " already");
   }
-  if (!index_by_id_.emplace(platform::FoldCase(task.id), index).second) {
+  if (!uid_by_id_.emplace(platform::FoldCase(task.id), task.uid).second) {
     throw platform::RuntimeError(platform::kDuplicateKey, "A task has the ID already: " + task.id);
   }
   index_by_uid_.emplace(task.uid, index);
@@ -111,24 +111,38 @@ void Plan::RenameTask(Uid uid, const std::string& id) {
 }
 
 void Plan::RemoveTask(Uid uid) {
-  if (IndexOf(uid) >= 0) {
-    RemoveTasks({uid});
+  const std::int32_t index = IndexOf(uid);
+  if (index < 0) {
+    return;
   }
+  const std::string id = platform::FoldCase(tasks_[static_cast<std::size_t>(index)].id);
+  RemoveWhere([uid](Uid one) { return one == uid; });
+  // Whoever removes tasks one by one would wait long if the tables were made anew each time.
+  uid_by_id_.erase(id);
+  index_by_uid_.erase(uid);
+  for (auto i = static_cast<std::size_t>(index); i < tasks_.size(); ++i) {
+    index_by_uid_[tasks_[i].uid] = static_cast<std::int32_t>(i);
+  }
+  index_valid_ = true;
 }
 
 void Plan::RemoveTasks(const std::unordered_set<Uid>& uids) {
+  RemoveWhere([&uids](Uid uid) { return uids.contains(uid); });
+}
+
+template <class Goes>
+void Plan::RemoveWhere(const Goes& goes) {
   for (Task& task : tasks_) {
-    while (uids.contains(task.parent)) {
+    while (task.parent != 0 && goes(task.parent)) {
       const std::int32_t above = IndexOf(task.parent);
       task.parent = above < 0 ? 0 : tasks_[static_cast<std::size_t>(above)].parent;
     }
   }
-  std::erase_if(links, [&uids](const Link& link) {
-    return uids.contains(link.predecessor) || uids.contains(link.successor);
-  });
-  std::erase_if(tasks_, [&uids](const Task& task) { return uids.contains(task.uid); });
-  std::erase_if(correlations, [&uids](CorrelationGroup& group) {
-    std::erase_if(group.tasks, [&uids](Uid uid) { return uids.contains(uid); });
+  std::erase_if(
+      links, [&goes](const Link& link) { return goes(link.predecessor) || goes(link.successor); });
+  std::erase_if(tasks_, [&goes](const Task& task) { return goes(task.uid); });
+  std::erase_if(correlations, [&goes](CorrelationGroup& group) {
+    std::erase_if(group.tasks, goes);
     return group.calendars.empty() && group.tasks.size() < 2;
   });
   index_valid_ = false;

@@ -290,12 +290,16 @@ class Plan {
 
  private:
   void BuildIndex() const;
+  /// Takes out the tasks whose numbers `goes` is true for; the look-up tables are then no longer
+  /// valid.
+  template <class Goes>
+  void RemoveWhere(const Goes& goes);
 
   std::vector<Task> tasks_;
   Uid next_uid_ = 1;
-  // Look-up tables, made on first use after tasks were removed or renamed.
+  // Look-up tables, made on first use after tasks were moved, renamed or removed several at a time.
   mutable bool index_valid_ = false;
-  mutable std::unordered_map<std::string, std::int32_t> index_by_id_;
+  mutable std::unordered_map<std::string, Uid> uid_by_id_;
   mutable std::unordered_map<Uid, std::int32_t> index_by_uid_;
 };
 
