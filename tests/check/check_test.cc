@@ -77,6 +77,35 @@ TEST_F(PlanCheck, ADateWithWorkInBetweenDiffers) {
   EXPECT_EQ(report.equal, 0);
 }
 
+TEST_F(PlanCheck, ASummaryWithStoredDatesSpansWhatIsNotFinished) {
+  Task& span = Add("S", 0);
+  span.kind = TaskKind::kSummary;
+  span.stored.early_start = Instant(kMonday, 480);
+  span.stored.early_finish = Instant(kMonday + 2, 1020);
+  const Uid summary = span.uid;
+  Task& done = Add("done", 0);
+  done.parent = summary;
+  done.actual_start = Instant(kMonday - 7, 480);
+  done.actual_finish = Instant(kMonday - 6, 1020);
+  Add("A", 3).parent = summary;
+  const StoredDatesReport report = Compare();
+  EXPECT_EQ(report.activities, 1);
+  EXPECT_EQ(report.equal, 1);
+}
+
+TEST_F(PlanCheck, WhereTheDataDateHoldsNothingAStartedActivityHasItsWholeDates) {
+  plan_.schedule.remaining_from_data_date = false;
+  Task& task = Add("A", 2);
+  task.original_minutes = 5 * kDay;
+  task.actual_start = Instant(kMonday, 480);
+  task.stored.early_start = Instant(kMonday, 480);
+  task.stored.early_finish = Instant(kMonday + 4, 1020);
+  task.stored.late_start = Instant(kMonday + 1, 480);  // has another meaning: not compared
+  const StoredDatesReport report = Compare();
+  EXPECT_EQ(report.equal, 1);
+  EXPECT_EQ(report.fields[static_cast<std::size_t>(DateField::kLateStart)].compared, 0);
+}
+
 TEST_F(PlanCheck, EveryFieldIsComparedOnItsOwn) {
   Add("Long", 10);
   Task& task = Add("A", 5);

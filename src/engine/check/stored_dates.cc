@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "fmt/format.h"
@@ -24,23 +25,31 @@ bool IsSameWorkInstant(const CalendarDefinition* calendar, Instant a, Instant b)
 /// Compares one activity at a time and collects what differs.
 class Comparer {
  public:
-  Comparer(const Plan& plan, const Scheduler& scheduler) : plan_(plan), scheduler_(scheduler) {}
+  Comparer(const Plan& plan, const Scheduler& scheduler) : plan_(plan), scheduler_(scheduler) {
+    for (const Task& task : plan.tasks()) {
+      AddToSummaries(task);
+    }
+  }
 
   void Compare(const Task& task) {
     const TaskIndex index = scheduler_.IndexOf(task.uid);
-    if (index < 0 || task.IsFinished() || task.kind == TaskKind::kSummary) {
+    // Where the data date holds nothing, summaries have dates that are no activity's.
+    const bool is_summary = task.kind == TaskKind::kSummary;
+    const bool is_from_data_date = plan_.schedule.remaining_from_data_date;
+    if (index < 0 || task.IsFinished() || (is_summary && !is_from_data_date)) {
       return;
     }
     const StoredDates& stored = task.stored;
+    const Span early = EarlySpanOf(task, index);
     DifferingActivity activity;
     activity.task = task.uid;
     compared_ = 0;
     calendar_ = plan_.FindCalendar(task.calendar != 0 ? task.calendar : plan_.default_calendar);
-    CompareDate(activity, DateField::kEarlyStart, stored.early_start,
-                scheduler_.early_start(index));
-    CompareDate(activity, DateField::kEarlyFinish, stored.early_finish,
-                scheduler_.early_finish(index));
-    CompareDate(activity, DateField::kLateStart, stored.late_start, scheduler_.late_start(index));
+    CompareDate(activity, DateField::kEarlyStart, stored.early_start, early.start);
+    CompareDate(activity, DateField::kEarlyFinish, stored.early_finish, early.finish);
+    if (is_from_data_date || !task.IsStarted()) {  // else theirs is that of work done and left
+      CompareDate(activity, DateField::kLateStart, stored.late_start, scheduler_.late_start(index));
+    }
     CompareDate(activity, DateField::kLateFinish, stored.late_finish,
                 scheduler_.late_finish(index));
     if (stored.total_float_minutes) {
@@ -60,6 +69,40 @@ class Comparer {
   StoredDatesReport Take() { return std::move(report_); }
 
  private:
+  struct Span {
+    Instant start;
+    Instant finish;
+  };
+
+  /// Widens the spans of the summaries above an unfinished task.
+  void AddToSummaries(const Task& task) {
+    const TaskIndex index = scheduler_.IndexOf(task.uid);
+    if (index < 0 || task.IsFinished() || task.kind == TaskKind::kSummary) {
+      return;
+    }
+    std::size_t depth = 0;
+    for (const Task* above = plan_.FindTask(task.parent);
+         above != nullptr && depth < plan_.tasks().size();
+         above = plan_.FindTask(above->parent), ++depth) {
+      Span& span = spans_[above->uid];
+      const Instant start = scheduler_.early_start(index);
+      span.start = span.start.IsAbsent() ? start : std::min(span.start, start);
+      span.finish = std::max(span.finish, scheduler_.early_finish(index));
+    }
+  }
+
+  /// The early dates in the sense of the stored ones: of what remains, or, in a plan whose data
+  /// date holds nothing, of the whole activity.
+  Span EarlySpanOf(const Task& task, TaskIndex index) const {
+    if (task.kind == TaskKind::kSummary) {
+      const auto span = spans_.find(task.uid);
+      return span == spans_.end() ? Span{} : span->second;
+    }
+    const bool is_whole = !plan_.schedule.remaining_from_data_date && task.IsStarted();
+    return {is_whole ? task.actual_start : scheduler_.early_start(index),
+            scheduler_.early_finish(index)};
+  }
+
   FieldAgreement& Field(DateField field) { return report_.fields[static_cast<std::size_t>(field)]; }
 
   void CompareDate(DifferingActivity& activity, DateField field, Instant stored, Instant computed) {
@@ -87,6 +130,7 @@ class Comparer {
 
   const Plan& plan_;
   const Scheduler& scheduler_;
+  std::unordered_map<Uid, Span> spans_;  // of summaries
   const CalendarDefinition* calendar_ = nullptr;
   int compared_ = 0;
   StoredDatesReport report_;
@@ -109,6 +153,9 @@ bool HasLate(const DifferingActivity& activity) {
 std::string OwnCause(const Task& task) {
   if (task.kind == TaskKind::kLevelOfEffort) {
     return "level of effort: its dates follow those of the activities around it";
+  }
+  if (task.kind == TaskKind::kSummary) {
+    return "spans a node: its dates are those of the activities in it";
   }
   if (!task.suspended.IsAbsent()) {
     return "suspended, or resumed after a suspension";

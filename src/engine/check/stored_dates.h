@@ -48,8 +48,11 @@ struct StoredDatesReport {
 };
 
 /// Holds the dates that came with the plan against the ones of `scheduler`, which must have made a
-/// forward and a backward pass over the same plan. Finished activities, summaries and activities
-/// without stored dates are left out.
+/// forward and a backward pass over the same plan. Finished activities and activities without
+/// stored dates are left out. A summary counts as an activity if it has stored dates; its span is
+/// that of the unfinished tasks below it. In plans whose data date holds nothing summaries are left
+/// out, and a started activity has the dates of all of it, done or not; its late start is not
+/// compared.
 ///
 /// Dates are equal when no working time of the activity's own calendar lies between them: the end
 /// of a working day and the start of the next one are the same instant of work. Floats are equal
