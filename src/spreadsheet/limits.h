@@ -14,6 +14,8 @@ inline constexpr std::uint64_t kMaxCells = 2'000'000;  // that hold a value, in 
 inline constexpr std::uint64_t kMaxStrings = 1'000'000;
 inline constexpr std::uint64_t kMaxSheets = 1'024;
 inline constexpr std::uint64_t kMaxCellFormats = 65'536;
+inline constexpr std::uint64_t kMaxRelationships = 10'000;  // of one part
+inline constexpr std::uint64_t kMaxNameBytes = 1'024;       // of a sheet's name or a number format
 inline constexpr int kMaxXmlDepth = 64;
 inline constexpr std::uint64_t kMaxXmlTokenBytes = 1ULL << 20;  // of one tag or comment
 

@@ -2,7 +2,9 @@
 
 #include <array>
 #include <charconv>
+#include <utility>
 
+#include "spreadsheet/limits.h"
 #include "spreadsheet/read_error.h"
 #include "spreadsheet/text_coding.h"
 #include "spreadsheet/xml_parser.h"
@@ -27,6 +29,8 @@ enum class State { kStart, kList, kItem, kOther };
 
 class RelationshipSink : public XmlStates<State> {
  public:
+  explicit RelationshipSink(std::string file) : place_{.file = std::move(file)} {}
+
   std::vector<Relationship> Take() { return std::move(relationships_); }
 
  protected:
@@ -39,6 +43,10 @@ class RelationshipSink : public XmlStates<State> {
     }
     if (parent != State::kList || element.name() != "Relationship") {
       return State::kOther;
+    }
+    if (relationships_.size() == kMaxRelationships) {
+      RaiseReadError(
+          place_, "a part has more than " + std::to_string(kMaxRelationships) + " relationships");
     }
     Relationship relationship;
     relationship.id = element.Attribute("Id").value_or("");
@@ -57,6 +65,7 @@ class RelationshipSink : public XmlStates<State> {
   void Take(State, std::string_view) override {}
 
  private:
+  ReadPlace place_;
   std::vector<Relationship> relationships_;
 };
 
@@ -119,7 +128,7 @@ std::vector<Relationship> ReadRelationships(Package& package, std::string_view p
   if (!package.Has(name)) {
     return {};
   }
-  RelationshipSink sink;
+  RelationshipSink sink(package.file());
   ParseXml(package, name, sink);
   if (!sink.knows_root()) {
     RaiseReadError({.file = package.file()}, "part " + Quoted(name) + " lists no relationships");

@@ -1,6 +1,7 @@
 #include "spreadsheet/xlsx_parts.h"
 
 #include <charconv>
+#include <optional>
 #include <unordered_map>
 
 #include "spreadsheet/limits.h"
@@ -13,6 +14,17 @@ namespace {
 
 bool IsTrue(std::string_view value) {
   return value == "1" || value == "true";
+}
+
+/// The text of an attribute that holds a name of some kind; empty without the attribute.
+std::string ShortText(const ReadPlace& place, std::optional<std::string_view> value) {
+  if (!value) {
+    return {};
+  }
+  if (value->size() > kMaxNameBytes) {
+    RaiseReadError(place, "has a name that is too long: " + Quoted(*value));
+  }
+  return UnescapeXlsxText(*value);
 }
 
 /// Reads a part with a sink and makes sure that it was the kind of part that the sink reads.
@@ -51,8 +63,8 @@ class WorkbookSink : public XmlStates<WorkbookState> {
       if (part.sheets.size() == kMaxSheets) {
         RaiseReadError(place_, "has more than " + std::to_string(kMaxSheets) + " sheets");
       }
-      part.sheets.push_back({UnescapeXlsxText(element.Attribute("name").value_or("")),
-                             std::string(element.RelationshipId().value_or(""))});
+      part.sheets.push_back({ShortText(place_, element.Attribute("name")),
+                             ShortText(place_, element.RelationshipId())});
       return WorkbookState::kItem;
     }
     return WorkbookState::kOther;
@@ -139,7 +151,11 @@ class StyleSink : public XmlStates<StyleState> {
                                  : StyleState::kOther;
     }
     if (parent == StyleState::kFormats && name == "numFmt") {
-      formats[FormatId(element)] = UnescapeXlsxText(element.Attribute("formatCode").value_or(""));
+      if (formats.size() == kMaxCellFormats) {
+        RaiseReadError(place_,
+                       "has more than " + std::to_string(kMaxCellFormats) + " number formats");
+      }
+      formats[FormatId(element)] = ShortText(place_, element.Attribute("formatCode"));
       return StyleState::kItem;
     }
     if (parent == StyleState::kCellStyles && name == "xf") {

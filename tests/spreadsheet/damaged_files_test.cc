@@ -213,6 +213,30 @@ TEST(DamagedWorkbook, TooManyStylesAreRefused) {
             "w: has more than 65536 cell styles");
 }
 
+TEST(DamagedWorkbook, TooManyNumberFormatsAndRelationshipsAreRefused) {
+  std::string formats;
+  for (std::uint64_t i = 0; i <= kMaxCellFormats; ++i) {
+    formats += "<numFmt numFmtId='" + std::to_string(i) + "'/>";
+  }
+  const XlsxFile file{.styles = "<numFmts>" + formats + "</numFmts>"};
+  EXPECT_EQ(ErrorOf([&] { ReadWorkbookBytes(file.Bytes(), "w"); }).text,
+            "w: has more than 65536 number formats");
+  Parts parts = ReadZip(SoundXlsx());
+  Replace(parts, "_rels/.rels",
+          "<Relationships xmlns='http://schemas.openxmlformats.org/package/2006/relationships'>" +
+              Repeat("<Relationship/>", kMaxRelationships + 1) + "</Relationships>");
+  EXPECT_EQ(ErrorOf([&] { ReadWorkbookBytes(MakeZip(parts), "w"); }).text,
+            "w: a part has more than 10000 relationships");
+}
+
+TEST(DamagedWorkbook, ANameThatIsTooLongIsRefused) {
+  const XlsxFile file{.styles = "<numFmts><numFmt numFmtId='164' formatCode='" +
+                                std::string(kMaxNameBytes + 1, '0') + "'/></numFmts>"};
+  EXPECT_TRUE(ErrorOf([&] {
+                ReadWorkbookBytes(file.Bytes(), "w");
+              }).text.starts_with("w: has a name that is too long: '000"));
+}
+
 TEST(DamagedWorkbook, AFileThatIsTooLargeIsRefused) {
   const std::string message = "w: is larger than 64 MiB";
   EXPECT_EQ(ErrorOf([&] { ReadWorkbookBytes(std::string(kMaxFileBytes + 1, 'P'), "w"); }).text,

@@ -40,7 +40,8 @@ Workbook RandomWorkbook() {
           cell.value = *rc::gen::inRange(0, 10'001) / 10'000.0;
           break;
         default:
-          cell.value = *rc::gen::arbitrary<int>() / 1024.0;
+          // Seven digits before the point and six behind it: what the file keeps.
+          cell.value = *rc::gen::inRange(-100'000'000, 100'000'000) / 64.0;
       }
       sheet.Put(cell);
     }

@@ -112,6 +112,20 @@ TEST(WriteXlsx, DatesOf1904AreWrittenAsTheSameDays) {
   EXPECT_EQ(std::get<double>(read.sheets()[0]->Find(1, 2)->value), 0.0);
 }
 
+TEST(WriteXlsx, NumbersKeepSixteenDigits) {
+  const bool holds = rc::check("numbers survive but for their last bit", [] {
+    const auto number = *rc::gen::arbitrary<double>();
+    RC_PRE(std::isfinite(number));
+    Workbook workbook;
+    workbook.AddSheet("s").Put({1, 1, kFormatOfPlace, number});
+    const Workbook read = ReadWorkbookBytes(Write(workbook), "w");
+    const double back = std::get<double>(read.sheets()[0]->Find(1, 1)->value);
+    // The seventeenth digit is rounded: half a unit of the sixteenth, at worst of 1.000...
+    RC_ASSERT(std::abs(back - number) <= 5e-16 * std::abs(number));
+  });
+  EXPECT_TRUE(holds);
+}
+
 TEST(WriteXlsx, TheSameWorkbookGivesTheSameBytes) {
   const Workbook workbook = OneTextBook("rain");
   EXPECT_EQ(Write(workbook), Write(workbook));
