@@ -26,6 +26,11 @@ std::string WeatherValue(const Task& task, const std::string& key) {
   return value == nullptr ? "" : *value;
 }
 
+/// The first (0) and the last day (1) of a period.
+double SpanDay(const Task& period, std::size_t end) {
+  return period.custom_values[end].value.Get<platform::Date>()->serial;
+}
+
 /// The add-in, listening to one host for as long as this lives.
 class AddIn {
  public:
@@ -243,12 +248,23 @@ RunWiring WithoutAddIn() {
     const std::string type = WeatherValue(task, "tasktype");
     return type == "1" ? "event" : type == "3" || type == "4" ? "window" : "";
   };
+  // Periods whose spans overlap.
+  wiring.together = [](const Plan&, const Task& one, const Task& other) {
+    return WeatherValue(one, "tasktype") == "1" && WeatherValue(other, "tasktype") == "1" &&
+           SpanDay(one, 0) <= SpanDay(other, 1) && SpanDay(other, 0) <= SpanDay(one, 1);
+  };
   return wiring;
 }
 
 RunWiring WithAddIn() {
   RunWiring wiring = WithoutAddIn();
   wiring.attach = [](Host& host) { return std::make_shared<CheckedAddIn>(host); };
+  return wiring;
+}
+
+RunWiring WithUncheckedAddIn() {
+  RunWiring wiring = WithoutAddIn();
+  wiring.attach = [](Host& host) { return std::make_shared<AddIn>(host); };
   return wiring;
 }
 

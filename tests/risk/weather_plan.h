@@ -74,6 +74,8 @@ class Listener : public Corvane8::ApplicationEvents {
 /// Every schedule of its runs goes through the independent checker; one that does not pass ends the
 /// run with an error that says what is wrong with it.
 RunWiring WithAddIn();
+/// The same without the checker, for runs whose schedules leave out days that the plan has taken.
+RunWiring WithUncheckedAddIn();
 /// The same with nobody listening.
 RunWiring WithoutAddIn();
 /// The same with a listener of the test's own, which each worker has a copy of.

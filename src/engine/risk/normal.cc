@@ -36,14 +36,16 @@ double UpperTail(double x) {
 }
 
 /// The x from 0 on with UpperTail(x) = p, for 2^-60 < p <= 1/2, by Newton's method on the logarithm
-/// of the tail, which is concave: from below it never overshoots by much.
+/// of the tail. That is concave, so that a step from below goes too far, and those from above come
+/// nearer and nearer.
 double QuantileOfTail(double p) {
+  constexpr double kFarthest = 9.5;
   const double target = PortableLog(p);
   double x = 0.0;
   for (int i = 0; i < 60; ++i) {
     const double tail = UpperTail(x);
     const double step = (PortableLog(tail) - target) * tail / Density(x);
-    x = std::max(x + step, 0.0);
+    x = std::clamp(x + step, 0.0, kFarthest);
     if (std::abs(step) < 1e-15 * (1.0 + x)) {
       break;
     }

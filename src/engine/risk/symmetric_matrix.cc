@@ -100,9 +100,10 @@ void Rescale(SquareMatrix& matrix) {
     factors[i] = 1.0 / std::sqrt(std::max(matrix.At(i, i), 1e-300));
   }
   for (std::size_t i = 0; i < matrix.size(); ++i) {
-    for (std::size_t j = 0; j < matrix.size(); ++j) {
-      matrix.At(i, j) =
-          i == j ? 1.0 : std::clamp(matrix.At(i, j) * factors[i] * factors[j], -1.0, 1.0);
+    matrix.At(i, i) = 1.0;
+    for (std::size_t j = 0; j < i; ++j) {
+      matrix.At(i, j) = std::clamp(matrix.At(i, j) * factors[i] * factors[j], -1.0, 1.0);
+      matrix.At(j, i) = matrix.At(i, j);
     }
   }
 }
