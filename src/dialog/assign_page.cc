@@ -42,10 +42,6 @@ std::string IdOf(const NodeRef& node) {
   return node->Key().substr(1);
 }
 
-std::string PlanTitle() {
-  return ActivePlan()->get_Properties()->get_Title();
-}
-
 /// Whether a task is one of the plan's own and carries no weather.
 bool IsOrdinary(const Ref<Corvane8::Task>& task) {
   return task->get_UserFields()->GetValue(2, kSection, "tasktype", "0") == "0";
@@ -83,11 +79,15 @@ void frmWeather::InitTaskTree() {
 
 void frmWeather::BuildTaskTree() {
   toolkit::NodeList& nodes = tvTasks.Nodes();
-  const std::string strTitle = PlanTitle();
+  const std::string strTitle = ActivePlan()->get_Properties()->get_Title();
   const NodeRef root = nodes.Add(KeyOf(strTitle), strTitle, kPlanImage);
   for (const Ref<Corvane8::Task>& task : ActivePlan()->get_Tasks()->Elements()) {
     if (IsOrdinary(task)) {
       const std::string strID = task->get_ID();
+      if (platform::EqualsIgnoreCase(strID, strTitle)) {
+        // As in a plan whose topmost summary stands for the project: the key is the task's.
+        root->SetKey(root->Key() + ' ');
+      }
       const NodeRef node = nodes.Add(root, Relationship::kChild, KeyOf(strID),
                                      strID + " - " + task->get_Description());
       node->SetImage(ImageOfTask(task));
@@ -210,7 +210,7 @@ void frmWeather::cmdFind_Click() {
     const std::string& strText = txtFind.Value();
     tvTasks.Nodes().Clear();
     BuildTaskTree();
-    FilterTaskNodes(tvTasks.Nodes().Item(KeyOf(PlanTitle())), strText);
+    FilterTaskNodes(tvTasks.Root(), strText);
     ExpandAllNodes(tvTasks);
   } catch (const platform::RuntimeError&) {
     // The search ends where it failed; the tree shows how far it came.

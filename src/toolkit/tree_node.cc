@@ -17,6 +17,17 @@ void Node::TellChanged(Property property) const {
   }
 }
 
+void Node::SetKey(const std::string& key) {
+  if (tree_ != nullptr && !platform::EqualsIgnoreCase(key, key_)) {
+    auto& keys = tree_->nodes_.keys_;
+    if (!key.empty() && !keys.try_emplace(key, this).second) {
+      throw platform::RuntimeError(kKeyNotUnique, "Key is not unique in collection: " + key);
+    }
+    keys.erase(key_);
+  }
+  key_ = key;
+}
+
 void Node::SetText(std::string text) {
   text_ = std::move(text);
   if (parent_ != nullptr && parent_->Sorted()) {

@@ -26,6 +26,8 @@ class Node final : public platform::Object {
 
   /// Empty for a node without one.
   const std::string& Key() const { return key_; }
+  /// Raises error 35602 for a key that another node of the tree has; the key is then as it was.
+  void SetKey(const std::string& key);
   const std::string& Text() const { return text_; }
   void SetText(std::string text);
   /// Number of its picture in the tree's image list, from 1; 0 for none.

@@ -7,9 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "dialog/frm_weather.h"
-#include "tests/support/host/wired_test.h"
-#include "tests/toolkit/support.h"
+#include "tests/dialog/weather_dialog_test.h"
 
 namespace nimbrel::dialog {
 
@@ -51,31 +49,20 @@ inline std::vector<std::string> Checked(const toolkit::ListView& list) {
 /// The weather dialog on its page of assignments, over a plan in the recording host: tasks A
 /// "Foundations", B "Steel" and C "Painting" on STANDARD, the event calendars North Sea and FROST,
 /// the window calendar River Ice.
-class AssignPageTest : public recording::WiredTest {
+class AssignPageTest : public WeatherDialogTest {
  protected:
   AssignPageTest() {
-    desktop_.SetEventLog(&events_);
     plan().title = "Bridge";
-    plan().options[{"NIMBRELMOD", "Options", "IsWeatherPlan"}] = "TRUE";
     plan().AddTask("A", 5)->description = "Foundations";
     plan().AddTask("B", 5)->description = "Steel";
     plan().AddTask("C", 5)->description = "Painting";
-    plan().AddWeatherSummary();
+    MakeWeatherPlan();
     const auto day = platform::MakeDate(2027, 1, 4);
-    plan().AddPeriod("P1", "North Sea", day, day);
-    plan().AddPeriod("P2", "FROST", day, day);
-    plan().AddWindow("W1", "River Ice", "1/4/2027", "2/4/2027");
-    for (const char* const name : {"North Sea", "FROST", "River Ice"}) {
-      AddRiskCalendar(name);
-    }
+    AddPeriod("P1", "North Sea", day, day);
+    AddPeriod("P2", "FROST", day, day);
+    AddWindow("W1", "River Ice", "1/4/2027", "2/4/2027");
   }
 
-  void AddRiskCalendar(const std::string& name) {
-    auto calendar = std::make_shared<recording::RiskCalendarState>();
-    calendar->name = name;
-    calendar->calendar = plan().FindCalendar(name);
-    plan().risk_calendars.push_back(calendar);
-  }
   /// Puts a task under another one.
   void PutUnder(const std::string& task, const std::string& parent) {
     plan().Task(task).parent = plan().FindTask(parent);
@@ -118,20 +105,6 @@ class AssignPageTest : public recording::WiredTest {
     const toolkit::ListItemRef item = list.ListItems().Item(calendar);
     list.UserToggleCheck(item->Index());
   }
-
-  /// The errors that reached the form's default handling.
-  std::vector<std::string> Errors() const {
-    std::vector<std::string> errors;
-    for (const std::string& line : events_.lines) {
-      if (line.starts_with("error ")) {
-        errors.push_back(line.substr(6, line.find(' ', 6) - 6));
-      }
-    }
-    return errors;
-  }
-
-  toolkit::TestDesktop desktop_;
-  toolkit::Events events_;
 
  private:
   std::unique_ptr<frmWeather> dialog_;

@@ -224,7 +224,7 @@ TEST_F(AssignPage, TheRootHasNoAssignmentsAndKeepsTheLastTasksControls) {
     EXPECT_EQ(plan().Task("A").calendar->name, "North Sea");
     EXPECT_THAT(Errors(), IsEmpty());
     dialog().chkSplit.UserClick();
-    EXPECT_THAT(Errors(), ElementsAre("5"));
+    EXPECT_THAT(Errors(), ElementsAre(5));
     EXPECT_EQ(NoSplitOf("A"), "");
   });
   ASSERT_EQ(desktop_.messages.size(), 1u);
@@ -254,7 +254,7 @@ TEST_F(AssignPage, WithoutATaskThereIsNothingToWorkOn) {
     Toggle(dialog().lstWCals3, "River Ice");
     dialog().cbAllCals.UserPick(1);
   });
-  EXPECT_THAT(Errors(), ElementsAre("91", "91", "91", "91"));
+  EXPECT_THAT(Errors(), ElementsAre(91, 91, 91, 91));
   EXPECT_EQ(desktop_.messages.size(), 4u);
 }
 
@@ -263,7 +263,7 @@ TEST_F(AssignPage, ATaskThatIsGoneSurfacesTheHostsError) {
     ClickNode("A");
     plan().tasks.erase(plan().tasks.begin() + 1);
     ClickNode("B");
-    EXPECT_THAT(Errors(), ElementsAre("5"));
+    EXPECT_THAT(Errors(), ElementsAre(5));
     // The lists go on with the task before.
     Toggle(dialog().lstWCals1, "FROST");
   });
@@ -280,7 +280,7 @@ TEST_F(AssignPage, AFailingAssignmentOrCalendarSurfacesTheHostsError) {
     recorder().FailOn("SetValue");
     dialog().chkSplit.UserClick();
   });
-  EXPECT_THAT(Errors(), ElementsAre("1004", "1004", "1004"));
+  EXPECT_THAT(Errors(), ElementsAre(1004, 1004, 1004));
   EXPECT_THAT(AssignedTo("A"), IsEmpty());
   EXPECT_EQ(plan().Task("A").calendar->name, "STANDARD");
 }

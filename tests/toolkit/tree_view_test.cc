@@ -68,6 +68,23 @@ TEST_F(TreeViewTest, KeysHaveNoCaseAndAreUnique) {
   EXPECT_EQ(Shape(), "root(a)");
 }
 
+TEST_F(TreeViewTest, ANodeIsFoundByTheKeyThatItIsGivenLater) {
+  const NodeRef a = Add(root_, "a");
+  a->SetKey("K2");
+  EXPECT_EQ(tree_.Nodes().Item("k2"), a);
+  EXPECT_FALSE(tree_.Nodes().Contains("ka"));
+  EXPECT_EQ(ErrorOf([&] { a->SetKey("KROOT"); }), kKeyNotUnique);
+  EXPECT_EQ(a->Key(), "K2");
+  EXPECT_EQ(tree_.Nodes().Item("kroot"), root_);
+  a->SetKey("k2");
+  EXPECT_EQ(tree_.Nodes().Item("K2")->Key(), "k2");
+  a->SetKey("");
+  EXPECT_FALSE(tree_.Nodes().Contains("k2"));
+  tree_.Nodes().Clear();
+  a->SetKey("kroot");
+  EXPECT_FALSE(tree_.Nodes().Contains("kroot"));
+}
+
 TEST_F(TreeViewTest, ANodeMovesWithAllBelowIt) {
   const NodeRef a = Add(root_, "a");
   const NodeRef b = Add(root_, "b");
