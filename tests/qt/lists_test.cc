@@ -29,6 +29,8 @@ class ListsTest : public WindowTest {
     }
     tree_.SetStyle(TreeStyle::kTreelinesPlusMinusPictureText);
     tree_.NodeClick = [](const NodeRef&) {};
+    checks_.SetCheckBoxes(true);
+    checks_.ListItems().Add({}, {}, "check");
     box_.Validate = [this](bool& cancel) { cancel = box_.Text() == "bad"; };
   }
 
@@ -43,6 +45,7 @@ class ListsTest : public WindowTest {
   ListView rows_{form_, "rows", {120, 120, 2600, 3000}};
   ListBox list_{form_, "list", {2800, 120, 1500, 3000}};
   TreeView tree_{form_, "tree", {4400, 120, 1500, 3000}};
+  ListView checks_{form_, "checks", {2800, 3200, 3000, 700}, ListViewStyle::kList};
 };
 
 TEST_F(ListsTest, PagesAndEndsAreReachedByKeys) {
@@ -212,6 +215,28 @@ TEST_F(ListsTest, AListWithTheFocusAndNoRowSelectedShowsIt) {
     rows_.SetFocus();
     QCoreApplication::processEvents();
     EXPECT_NE(view(rows_).grab().toImage(), without);
+  });
+}
+
+TEST_F(ListsTest, AnEmptyCheckBoxIsSeenOnDarkGround) {
+  InWindow([&] {
+    QPalette dark(QColor(53, 53, 53));
+    dark.setColor(QPalette::Base, QColor(25, 25, 25));
+    dark.setColor(QPalette::Text, Qt::white);
+    view(checks_).setPalette(dark);
+    const QRect box = view(checks_).CheckRect(view(checks_).model()->index(0, 0));
+    const QImage image = view(checks_).viewport()->grab().toImage();
+    const int edge = image.pixelColor(box.left(), box.center().y()).lightness();
+    EXPECT_GT(edge, image.pixelColor(box.center()).lightness() + 80);
+  });
+}
+
+TEST_F(ListsTest, AMovedControlIsShownAtItsNewPlace) {
+  InWindow([&] {
+    const int before = window().WidgetOf(box_)->x();
+    box_.Move(2400, 3500, 2000, 375);
+    QTest::qWait(1);
+    EXPECT_GT(window().WidgetOf(box_)->x(), before);
   });
 }
 

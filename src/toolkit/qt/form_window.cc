@@ -190,18 +190,16 @@ void FormWindow::ScheduleFlush() {
 void FormWindow::Flush() {
   flush_is_due_ = false;
   setWindowTitle(ToQt(form_.Caption()));
-  bool moved = false;
   bool focus = focusWidget() == nullptr;
   for (auto& [control, entry] : faces_) {
     const Changes changes = std::exchange(entry.changes, Changes());
     if (changes.Any()) {
       entry.face->Refresh(changes);
-      moved = moved || changes.Has(Property::kPlace) || changes.Has(Property::kVisible);
+      if (changes.Has(Property::kPlace) || changes.Has(Property::kVisible)) {
+        entry.face->Widget().parentWidget()->layout()->update();
+      }
       focus = focus || changes.Has(Property::kFocus);
     }
-  }
-  if (moved) {
-    area_.widget()->layout()->invalidate();
   }
   if (focus) {
     PlaceFocus();

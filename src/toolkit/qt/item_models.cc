@@ -100,6 +100,12 @@ QVariant RowModel::headerData(int section, Qt::Orientation orientation, int role
                                  : QVariant();
 }
 
+Qt::ItemFlags RowModel::flags(const QModelIndex& index) const {
+  // So that screen readers tell of the mark; what changes it is the toolkit alone.
+  const bool marked = index.isValid() && index.column() == 0 && list_.CheckBoxes();
+  return FlatModel::flags(index) | (marked ? Qt::ItemIsUserCheckable : Qt::NoItemFlags);
+}
+
 bool RowModel::Update() {
   const ListItemList& rows = list_.ListItems();
   if (columns_ == CountColumns() &&

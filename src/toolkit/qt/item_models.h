@@ -66,6 +66,7 @@ class RowModel final : public FlatModel {
   int columnCount(const QModelIndex& parent) const override;
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
   bool Update() override;
 
   /// Where the row stands, in `column` from 0; no index for Nothing or a row that is not here.

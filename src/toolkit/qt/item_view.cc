@@ -7,6 +7,8 @@
 #include <QStyleOptionViewItem>
 #include <QStyledItemDelegate>
 
+#include "toolkit/qt/check_outline.h"
+
 namespace nimbrel::toolkit::qt {
 namespace {
 
@@ -17,6 +19,13 @@ class AiryRows final : public QStyledItemDelegate {
 
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
     return QStyledItemDelegate::sizeHint(option, index) + QSize(0, option.fontMetrics.height() / 3);
+  }
+  void paint(QPainter* painter, const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override {
+    QStyledItemDelegate::paint(painter, option, index);
+    if (const auto* const view = dynamic_cast<const ItemView*>(option.widget); view != nullptr) {
+      OutlineCheckOnDark(*painter, view->CheckRect(index), option.palette);
+    }
   }
 };
 

@@ -9,6 +9,7 @@
 #include <QTabWidget>
 #include <algorithm>
 
+#include "toolkit/qt/check_outline.h"
 #include "toolkit/qt/faces.h"
 #include "toolkit/qt/qt_text.h"
 
@@ -68,6 +69,14 @@ class PassiveCheckBox final : public QCheckBox {
 
  protected:
   void nextCheckState() override {}
+  void paintEvent(QPaintEvent* event) override {
+    QCheckBox::paintEvent(event);
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    QPainter painter(this);
+    OutlineCheckOnDark(
+        painter, style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, this), palette());
+  }
 };
 
 class CheckBoxFace final : public ControlFace {
