@@ -56,6 +56,8 @@ void WriteSheet(const Object& excel, const Object& sheet, int number) {
     sheet->GetRef("Cells", {5, column})->Put("Value", "Caption " + std::to_string(column));
   }
   Fill(select("B5:H5"), 41, 1);
+  excel->GetRef("Selection")->GetRef("Font")->Put("Colorindex", 2);
+  excel->GetRef("Selection")->GetRef("Font")->Put("Bold", true);
   for (int row = 6; row < 6 + kRowsOfData; ++row) {
     const auto put = [&](int column, const platform::Variant& value) {
       sheet->GetRef("Cells", {row, column})->Put("Value", value);

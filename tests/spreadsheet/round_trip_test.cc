@@ -108,26 +108,89 @@ Workbook PlainWorkbook() {
   return workbook;
 }
 
-/// LibreOffice as a second writer of both formats, where it is installed.
-class OtherWriter : public testing::TestWithParam<const char*> {};
+/// Another program that opens a workbook and saves it again, where it is installed.
+struct Writer {
+  const char* name;
+  const char* program;
+  const char* extension;
+  /// A shell command, with @in, @out and @folder for the two files and a folder for itself.
+  const char* command;
+};
 
-TEST_P(OtherWriter, WhatItSavesReadsBackAsItWas) {
-  if (std::system("command -v soffice >/dev/null 2>&1") != 0) {
-    GTEST_SKIP() << "soffice is not installed";
+constexpr Writer kWriters[] = {
+    {"LibreOfficeXlsx", "soffice", "xlsx",
+     "soffice --headless -env:UserInstallation=file://@folder/home --convert-to xlsx --outdir "
+     "@folder/out @in && mv @folder/out/in.xlsx @out"},
+    {"LibreOfficeXls", "soffice", "xls",
+     "soffice --headless -env:UserInstallation=file://@folder/home --convert-to xls --outdir "
+     "@folder/out @in && mv @folder/out/in.xls @out"},
+    {"GnumericXlsx", "ssconvert", "xlsx", "ssconvert -T Gnumeric_Excel:xlsx @in @out"},
+    {"GnumericStrictXlsx", "ssconvert", "xlsx", "ssconvert -T Gnumeric_Excel:xlsx2 @in @out"},
+    {"GnumericXls", "ssconvert", "xls", "ssconvert -T Gnumeric_Excel:excel_biff8 @in @out"},
+    {"GnumericBothXls", "ssconvert", "xls", "ssconvert -T Gnumeric_Excel:excel_dsf @in @out"},
+    {"OpenPyXl", "/usr/bin/python3 -c 'import openpyxl'", "xlsx",
+     "/usr/bin/python3 -c \"import openpyxl; openpyxl.load_workbook('@in').save('@out')\""},
+};
+
+void ReplaceAll(std::string& text, std::string_view from, std::string_view to) {
+  for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
   }
-  const Workbook workbook = PlainWorkbook();
-  const TemporaryFolder folder;
-  WriteXlsx(workbook, folder.File("w.xlsx"));
-  std::filesystem::create_directory(folder.File("out"));
-  const std::string command = "soffice --headless -env:UserInstallation=file://" +
-                              folder.File("home") + " --convert-to " + GetParam() + " --outdir " +
-                              folder.File("out") + " " + folder.File("w.xlsx") + " >/dev/null 2>&1";
-  ASSERT_EQ(std::system(command.c_str()), 0);
-  EXPECT_TRUE(SameValues(workbook, ReadWorkbook(folder.File("out/w.") + GetParam())));
 }
 
-INSTANTIATE_TEST_SUITE_P(LibreOffice, OtherWriter, testing::Values("xlsx", "xls"),
-                         [](const auto& info) { return std::string(info.param); });
+class SavedElsewhere : public testing::Test {
+ protected:
+  SavedElsewhere() { std::filesystem::create_directory(folder_.File("out")); }
+
+  static bool IsInstalled(const std::string& program) {
+    const std::string probe =
+        program.find(' ') == std::string::npos ? "command -v " + program : program;
+    return std::system((probe + " >/dev/null 2>&1").c_str()) == 0;
+  }
+
+  /// The file as the other program saves it; a test that fails has none.
+  std::string Save(const Workbook& workbook, Writer writer) {
+    WriteXlsx(workbook, folder_.File("in.xlsx"));
+    const std::string out = folder_.File("saved.") + writer.extension;
+    std::string command = writer.command;
+    ReplaceAll(command, "@folder", folder_.path());
+    ReplaceAll(command, "@in", folder_.File("in.xlsx"));
+    ReplaceAll(command, "@out", out);
+    EXPECT_EQ(std::system(("(" + command + ") >/dev/null 2>&1").c_str()), 0) << command;
+    return out;
+  }
+
+ private:
+  TemporaryFolder folder_;
+};
+
+class OtherWriter : public SavedElsewhere, public testing::WithParamInterface<Writer> {};
+
+TEST_P(OtherWriter, WhatItSavesReadsBackAsItWas) {
+  if (!IsInstalled(GetParam().program)) {
+    GTEST_SKIP() << GetParam().program << " is not installed";
+  }
+  const Workbook workbook = PlainWorkbook();
+  EXPECT_TRUE(SameValues(workbook, ReadWorkbook(Save(workbook, GetParam()))));
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, OtherWriter, testing::ValuesIn(kWriters),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+/// The oldest form has texts of a code page, so its texts are Western ones.
+TEST_F(SavedElsewhere, WhatGnumericSavesForExcel95ReadsBackAsItWas) {
+  if (!IsInstalled("ssconvert")) {
+    GTEST_SKIP() << "ssconvert is not installed";
+  }
+  Workbook workbook;
+  Sheet& sheet = workbook.AddSheet("Spring");
+  sheet.Put({6, 2, kFormatOfPlace, workbook.AddText("Frühlingsregen")});
+  sheet.Put({6, 3, workbook.AddNumberFormat("dd mmm yyyy"), 46'000.0});
+  sheet.Put({6, 4, workbook.AddNumberFormat("0.00%"), 0.25});
+  sheet.Put({7, 4, kFormatOfPlace, true});
+  const Writer writer{"", "", "xls", "ssconvert -T Gnumeric_Excel:excel_biff7 @in @out"};
+  EXPECT_TRUE(SameValues(workbook, ReadWorkbook(Save(workbook, writer))));
+}
 
 }  // namespace
 }  // namespace nimbrel::spreadsheet
