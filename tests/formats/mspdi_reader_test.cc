@@ -152,6 +152,11 @@ TEST(MspdiReader, ATaskWithTasksBelowIsASummaryEvenIfItDoesNotSaySo) {
   EXPECT_FALSE(TaskOf(plan, "1").IsStarted());
 }
 
+TEST(MspdiReader, AnOutlineTooDeepIsRefused) {
+  EXPECT_THAT(FailureOf(OneTask({{"OutlineLevel", "201"}})),
+              HasSubstr("expected a number of at most 200 in OutlineLevel"));
+}
+
 TEST(MspdiReader, IdsAreTheNumbersThatUsersSeeElseTheKeys) {
   const Plan seen = Read(WithCalendar().Task(7, {{"ID", "2"}}).Task(9, {{"ID", "1"}})).plan;
   ASSERT_EQ(seen.tasks().size(), 2u);

@@ -1,5 +1,7 @@
 #include "engine/formats/mspdi_tasks.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -7,6 +9,9 @@
 
 namespace nimbrel::engine {
 namespace {
+
+/// Deeper than any plan is; bounds what summaries of summaries cost.
+constexpr std::int64_t kDeepestLevel = 200;
 
 /// The file marks estimates by adding this to a unit.
 constexpr std::int64_t kEstimated = 32;
@@ -73,6 +78,9 @@ class TaskReader {
     }
     task_.description = element_.Text("Name");
     activity_.level = element_.Integer("OutlineLevel", 1);
+    if (activity_.level > kDeepestLevel) {
+      element_.FailChild("OutlineLevel", fmt::format("a number of at most {}", kDeepestLevel));
+    }
     activity_.calendar = element_.Integer("CalendarUID", -1);
     activity_.ignores_resources = element_.Flag("IgnoreResourceCalendar", false);
     activity_.is_elapsed = IsElapsedUnit(element_.Integer("DurationFormat", 0));
