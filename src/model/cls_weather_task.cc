@@ -24,13 +24,20 @@ std::int32_t LongFromText(const std::string& str) {
   return platform::ToLong(platform::ParseNumber(str, Locale()));
 }
 
+/// The text of a date that a time can be put behind. The default text of day zero is a time alone,
+/// and a second time cannot be read behind that.
+std::string DayText(platform::Date dt) {
+  return dt == platform::Date{} ? platform::FormatDate(dt, Locale().short_date, Locale())
+                                : platform::DefaultDateText(dt, Locale());
+}
+
 /// The last day as the plan stores it: a plan that does not count in days ends a period at 22:00.
+/// A fresh period has no end yet while its first cells are written: its last day is day zero.
 platform::Date StoredEnd(platform::Date dtEnd) {
   if (modGlobal::Application()->get_ActivePlan()->get_Properties()->get_TimeUnit() == kPlanInDays) {
     return NormalisePlanDate(dtEnd);
   }
-  return platform::ParseDate(
-      platform::DefaultDateText(NormalisePlanDate(dtEnd), Locale()) + " 22:00", Locale());
+  return platform::ParseDate(DayText(NormalisePlanDate(dtEnd)) + " 22:00", Locale());
 }
 
 }  // namespace

@@ -182,6 +182,14 @@ TEST_F(WeatherTaskTest, APeriodEndsAtMidnightInDaysAndAtTwentyTwoOtherwise) {
   }
 }
 
+TEST_F(WeatherTaskTest, APeriodWithoutAnEndIsWrittenInHoursToo) {
+  CountIn(24);
+  task().custom.erase("Weather-end");
+  Init();
+  period_->UpdateTask();
+  EXPECT_EQ(platform::ToCivil(StoredEnd()), (platform::CivilTime{1899, 12, 30, 22, 0, 0}));
+}
+
 TEST_F(WeatherTaskTest, TheEndDoesNotDriftOverManyRoundTrips) {
   CountIn(24);
   for (int i = 0; i < 5; ++i) {
