@@ -10,8 +10,9 @@
 #include "nimbrel/plan_document.h"
 #include "nimbrel/plan_facts.h"
 #include "nimbrel/text_table.h"
-#include "nimbrel/warnings.h"
 #include "nimbrel/weather_json.h"
+#include "nimbrel/weather_summary.h"
+#include "nimbrel/weather_workbook_commands.h"
 
 namespace nimbrel::cli {
 namespace {
@@ -91,25 +92,10 @@ std::string AsText(const engine::Plan& plan, const Weather& weather) {
   return text + AssignmentsText(weather);
 }
 
-/// What the plan's weather is made of, on one line, with the warnings that go with it.
-std::string SummaryText(const std::string& path, const engine::Plan& plan) {
-  const WeatherFacts facts = CollectWeather(plan);
-  std::string text = fmt::format(
-      "{}: {}, {}, {}; {} exposed, {} of no split\n", path,
-      Counted(std::ssize(facts.calendars), "weather calendar", "weather calendars"),
-      Counted(facts.periods, "period", "periods"), Counted(facts.windows, "window", "windows"),
-      Counted(facts.assigned_tasks, "task", "tasks"),
-      Counted(facts.nosplit_tasks, "task", "tasks"));
-  for (const std::string& warning : WeatherWarnings(plan)) {
-    text += "  warning: " + warning + "\n";
-  }
-  return text;
-}
-
 ExitCode Set(const Options& options, Console& console) {
   PlanDocument document = OpenPlanToChange(options.plan);
   SetWeatherFromFile(document.plan, options.file);
-  console.out << SummaryText(options.plan, document.plan);
+  console.out << WeatherSummary(options.plan, document.plan);
   FlushOutput(console);
   SaveDocument(document.plan, options.plan);
   return ExitCode::kDone;
@@ -145,12 +131,15 @@ CLI::App* Declare(CLI::App& weather, const std::string& name, const std::string&
 }  // namespace
 
 void AddWeatherCommand(CLI::App& app, Console& console, Action& action) {
-  CLI::App* weather = app.add_subcommand("weather", "Set, show or clear the weather of a plan");
+  CLI::App* weather =
+      app.add_subcommand("weather", "Set, show, export, import or clear the weather of a plan");
   weather->require_subcommand(1);
   weather->footer(
       "Examples:\n"
       "  nimbrel weather set bridge.nplan weather.json\n"
       "  nimbrel weather show bridge.nplan --json > weather.json\n"
+      "  nimbrel weather export bridge.nplan -o weather.xlsx\n"
+      "  nimbrel weather import bridge.nplan weather.xlsx --replace\n"
       "  nimbrel weather clear bridge.nplan");
 
   auto options = std::make_shared<Options>();
@@ -170,6 +159,9 @@ void AddWeatherCommand(CLI::App& app, Console& console, Action& action) {
       "Examples:\n"
       "  nimbrel weather show bridge.nplan\n"
       "  nimbrel weather show bridge.nplan --json > weather.json");
+
+  AddWeatherExportCommand(*weather, console, action);
+  AddWeatherImportCommand(*weather, console, action);
 
   CLI::App* clear =
       Declare(*weather, "clear", "Take all weather out of a plan", Clear, options, console, action);

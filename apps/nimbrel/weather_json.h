@@ -81,6 +81,10 @@ Json WeatherJson(const Weather& weather);
 /// a probability above 1) is given as it stands.
 Weather ReadWeather(const engine::Plan& plan);
 
+/// What ordinary work of the plan runs on a calendar, as "the plan's default calendar"; empty if
+/// none does.
+std::string WorkOn(const engine::Plan& plan, engine::Uid calendar);
+
 /// Puts this weather in place of the plan's, by the add-in's own operations, and marks the plan as
 /// a weather plan. A calendar of the plan that has the name of a weather calendar becomes it.
 /// Raises CommandError (the input is bad), which names `file`, with the plan as it was: for unknown

@@ -203,19 +203,6 @@ std::unordered_set<Uid> WeatherCalendars(const Plan& plan) {
   return calendars;
 }
 
-/// What ordinary work runs on this calendar; empty if none does.
-std::string WorkOn(const Plan& plan, Uid calendar) {
-  if (plan.default_calendar == calendar) {
-    return "the plan's default calendar";
-  }
-  for (const Task& task : plan.tasks()) {
-    if (task.calendar == calendar && !CarriesWeather(task)) {
-      return "the working calendar of task " + QuotedText(task.id);
-    }
-  }
-  return {};
-}
-
 void SetFlag(Plan& plan, const std::string& value) {
   plan.options[{"NIMBRELMOD", "Options", "IsWeatherPlan"}] = value;
 }
@@ -440,6 +427,18 @@ void RequireDatesKept(const Weather& stored, const Weather& weather, const std::
 }
 
 }  // namespace
+
+std::string WorkOn(const Plan& plan, Uid calendar) {
+  if (plan.default_calendar == calendar) {
+    return "the plan's default calendar";
+  }
+  for (const Task& task : plan.tasks()) {
+    if (task.calendar == calendar && !CarriesWeather(task)) {
+      return "the working calendar of task " + QuotedText(task.id);
+    }
+  }
+  return {};
+}
 
 Weather ReadWeather(const Plan& plan) {
   Weather weather;
