@@ -134,6 +134,71 @@ BENCHMARK(BM_RiskRun)
     ->Args({kEvents, 10'000})  // memory does not grow with the iterations
     ->Unit(benchmark::kMillisecond);
 
+/// Processor time of a run, in seconds.
+double SecondsOf(const Plan& plan, const engine::RunOptions& options,
+                 const engine::RunWiring& wiring) {
+  const double begin = ProcessorSeconds();
+  benchmark::DoNotOptimize(engine::Run(plan, options, wiring));
+  return ProcessorSeconds() - begin;
+}
+
+/// How many times as long as a plain run a run with these options takes: the least of some tries,
+/// each of which measures both one after the other, so that they find the machine alike.
+double TimesAsLong(benchmark::State& state, const Plan& plan, engine::RunOptions options) {
+  const engine::RunWiring wiring = cli::MakeRunWiring(true);
+  double least = 1e9;
+  for (auto _ : state) {
+    const double plain = SecondsOf(plan, {.iterations = options.iterations}, wiring);
+    least = std::min(least, SecondsOf(plan, options, wiring) / plain);
+  }
+  return least;
+}
+
+enum Lifts { kWithoutLifts, kWithLifts };
+
+/// What leaving calendars out takes: `allowed` is 1 + 0.6 (k + 1) runs for k calendars.
+void BM_Attribution(benchmark::State& state) {
+  GeneratorOptions generator;
+  generator.event_calendars = static_cast<std::int32_t>(state.range(0));
+  generator.no_split_share = state.range(1) == kWithLifts ? 0.05 : 0;
+  state.counters["runs"] =
+      TimesAsLong(state, GeneratePlan(generator), {.iterations = 200, .attribute = true});
+  state.counters["allowed"] = 1 + 0.6 * (static_cast<double>(state.range(0)) + 1);
+}
+BENCHMARK(BM_Attribution)
+    ->ArgNames({"calendars", "lifts"})
+    ->Args({2, kWithoutLifts})
+    ->Args({4, kWithoutLifts})
+    ->Args({4, kWithLifts})
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
+
+/// Latin hypercube sampling, as a multiple of Monte Carlo.
+void BM_LatinHypercube(benchmark::State& state) {
+  state.counters["runs"] = TimesAsLong(
+      state, GeneratePlan({}), {.iterations = 500, .sampling = engine::Sampling::kLatinHypercube});
+}
+BENCHMARK(BM_LatinHypercube)->Iterations(3)->Unit(benchmark::kMillisecond);
+
+/// What statistics and sensitivities add to the iterations: `added` is the time from the last one
+/// to the end of the run, as a share of the time until then.
+void BM_Statistics(benchmark::State& state) {
+  const Plan plan = GeneratePlan({});
+  engine::RunWiring wiring = cli::MakeRunWiring(true);
+  double last = 0;
+  wiring.progress = [&last](std::int32_t, std::int32_t) { last = ProcessorSeconds(); };
+  double added = 1e9;
+  for (auto _ : state) {
+    const double begin = ProcessorSeconds();
+    benchmark::DoNotOptimize(
+        engine::Run(plan, {.iterations = static_cast<std::int32_t>(state.range(0))}, wiring));
+    added = std::min(added, (ProcessorSeconds() - last) / (last - begin));
+  }
+  state.counters["added"] = added;
+  state.counters["peak_MB"] = PeakMegabytes();
+}
+BENCHMARK(BM_Statistics)->Arg(1000)->Arg(10'000)->Iterations(1)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 }  // namespace nimbrel::bench
 

@@ -20,6 +20,8 @@ void AddScheduleCommand(CLI::App& app, Console& console, Action& action);
 void AddRangesCommand(CLI::App& app, Console& console, Action& action);
 void AddWeatherCommand(CLI::App& app, Console& console, Action& action);
 void AddRunCommand(CLI::App& app, Console& console, Action& action);
+void AddExplainCommand(CLI::App& app, Console& console, Action& action);
+void AddCorrelateCommand(CLI::App& app, Console& console, Action& action);
 void AddCheckCommand(CLI::App& app, Console& console, Action& action);
 void AddDialogCommand(CLI::App& app, Console& console, Action& action);
 

@@ -35,6 +35,10 @@ Terminal DetectTerminal() {
   terminal.out_is_terminal = ::isatty(STDOUT_FILENO) == 1;
   terminal.err_is_terminal = ::isatty(STDERR_FILENO) == 1;
   terminal.utf8 = SaysUtf8(CharacterLocale());
+  const char* kind = std::getenv("TERM");
+  const char* no_colour = std::getenv("NO_COLOR");
+  terminal.colours = terminal.out_is_terminal && kind != nullptr && std::string(kind) != "dumb" &&
+                     (no_colour == nullptr || *no_colour == '\0');
   winsize size{};
   if ((terminal.out_is_terminal && ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0) ||
       (terminal.err_is_terminal && ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0)) {

@@ -8,8 +8,9 @@ namespace nimbrel::cli {
 struct Terminal {
   bool out_is_terminal = false;
   bool err_is_terminal = false;
-  bool utf8 = false;  // whether a terminal can show block characters
-  int columns = 80;   // width of the terminal
+  bool utf8 = false;     // whether a terminal can show block characters
+  bool colours = false;  // whether standard output shows colours
+  int columns = 80;      // width of the terminal
 };
 
 /// Where a command writes. The streams stay the caller's.

@@ -95,6 +95,8 @@ int Run(const std::vector<std::string>& arguments, Console& console) {
   AddRangesCommand(app, console, action);
   AddWeatherCommand(app, console, action);
   AddRunCommand(app, console, action);
+  AddExplainCommand(app, console, action);
+  AddCorrelateCommand(app, console, action);
   AddCheckCommand(app, console, action);
   AddDialogCommand(app, console, action);
 

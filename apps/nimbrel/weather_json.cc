@@ -3,144 +3,19 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
-#include <initializer_list>
-#include <set>
 #include <string>
-#include <string_view>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
-#include "engine/calendar/instant.h"
 #include "nimbrel/command_error.h"
 #include "nimbrel/input_text.h"
+#include "nimbrel/json_node.h"
 #include "platform/text.h"
 
 namespace nimbrel::cli {
 namespace {
-
-constexpr double kMostDays = 73050;  // 200 years, as in plans that are imported
-
-/// A value of the document, by its path.
-struct Node {
-  const Json& value;
-  std::string path;
-};
-
-/// Reads nodes; whatever is not as expected is an error that names file and path.
-class NodeReader {
- public:
-  explicit NodeReader(const std::string& file) : file_(file) {}
-
-  [[noreturn]] void Fail(const std::string& path, const std::string& expected,
-                         const std::string& found) const {
-    throw BadInput(fmt::format("{}: {}: expected {}, found {}", file_, path, expected, found));
-  }
-  [[noreturn]] void Fail(const Node& node, const std::string& expected) const {
-    if (node.value.is_object() || node.value.is_array()) {
-      Fail(node.path, expected, node.value.is_object() ? "an object" : "a list");
-    }
-    if (node.value.is_string()) {
-      Fail(node.path, expected, QuotedText(node.value.get_ref<const std::string&>()));
-    }
-    Fail(node.path, expected, node.value.dump());
-  }
-
-  /// Checks that the node is an object with no other keys than these.
-  void RequireObject(const Node& node, std::initializer_list<std::string_view> keys) const {
-    if (!node.value.is_object()) {
-      Fail(node, "an object");
-    }
-    for (const auto& [key, value] : node.value.items()) {
-      if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
-        Fail(node.path, fmt::format("only the keys {}", fmt::join(keys, ", ")), QuotedText(key));
-      }
-    }
-  }
-
-  bool Has(const Node& node, const char* key) const { return node.value.contains(key); }
-  Node Child(const Node& node, const char* key) const {
-    const auto found = node.value.find(key);
-    if (found == node.value.end()) {
-      Fail(node.path, fmt::format("the key \"{}\"", key), "none");
-    }
-    return {*found, node.path + "." + key};
-  }
-
-  /// The items of a list; none where the key is missing.
-  std::vector<Node> OptionalList(const Node& node, const char* key) const {
-    return Has(node, key) ? List(Child(node, key)) : std::vector<Node>();
-  }
-  std::vector<Node> List(const Node& node) const {
-    if (!node.value.is_array()) {
-      Fail(node, "a list");
-    }
-    std::vector<Node> items;
-    for (std::size_t i = 0; i < node.value.size(); ++i) {
-      items.push_back({node.value[i], fmt::format("{}[{}]", node.path, i)});
-    }
-    return items;
-  }
-
-  const std::string& Text(const Node& node) const {
-    if (!node.value.is_string()) {
-      Fail(node, "a text");
-    }
-    return node.value.get_ref<const std::string&>();
-  }
-  /// A text with something in it.
-  const std::string& Name(const Node& node) const {
-    const std::string& name = Text(node);
-    if (platform::Trim(name).empty()) {
-      Fail(node, "a name");
-    }
-    return name;
-  }
-  std::vector<std::string> OptionalNames(const Node& node, const char* key) const {
-    std::vector<std::string> names;
-    for (const Node& item : OptionalList(node, key)) {
-      names.push_back(Name(item));
-    }
-    return names;
-  }
-
-  std::int32_t Day(const Node& node) const {
-    const engine::Instant day =
-        node.value.is_string() ? engine::ParseIsoText(Text(node)) : engine::Instant();
-    if (day.IsAbsent() || Text(node).size() != 10) {
-      Fail(node, "a date YYYY-MM-DD");
-    }
-    return day.day();
-  }
-
-  std::int32_t WholeDays(const Node& node) const {
-    const double days = node.value.is_number() ? node.value.get<double>() : -1;
-    if (days < 0 || days > kMostDays || days != std::floor(days)) {
-      Fail(node, fmt::format("a whole number of days from 0 to {}", kMostDays));
-    }
-    return static_cast<std::int32_t>(days);
-  }
-
-  double Probability(const Node& node) const {
-    const double probability = node.value.is_number() ? node.value.get<double>() : -1;
-    if (probability < 0 || probability > 1) {
-      Fail(node, "a number from 0 to 1");
-    }
-    return probability;
-  }
-
-  bool Boolean(const Node& node) const {
-    if (!node.value.is_boolean()) {
-      Fail(node, "true or false");
-    }
-    return node.value.get<bool>();
-  }
-
- private:
-  const std::string& file_;
-};
 
 /// Reads the document from the top down.
 class WeatherReader {
@@ -282,45 +157,6 @@ class WeatherReader {
   std::unordered_set<std::string> calendars_;  // names read so far, folded
 };
 
-/// Refuses an object that has a key twice, of which a parser would silently take one.
-class UniqueKeys {
- public:
-  explicit UniqueKeys(const std::string& file) : file_(file) {}
-
-  bool operator()(int /*depth*/, Json::parse_event_t event, const Json& parsed) {
-    if (event == Json::parse_event_t::object_start) {
-      open_.emplace_back();
-    } else if (event == Json::parse_event_t::object_end) {
-      open_.pop_back();
-    } else if (event == Json::parse_event_t::key) {
-      const auto& key = parsed.get_ref<const std::string&>();
-      if (!open_.back().insert(key).second) {
-        throw BadInput(fmt::format("{}: expected each key of an object once, found {} twice", file_,
-                                   QuotedText(key)));
-      }
-    }
-    return true;
-  }
-
- private:
-  const std::string& file_;
-  std::vector<std::set<std::string>> open_;  // keys of the objects around this place
-};
-
-Json ParseDocument(const std::string& text, const std::string& file) {
-  try {
-    UniqueKeys unique(file);
-    return Json::parse(text, std::ref(unique));
-  } catch (const Json::parse_error& error) {
-    const std::size_t at = std::min(error.byte > 0 ? error.byte - 1 : 0, text.size());
-    const auto row =
-        1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
-    throw BadInput(fmt::format(
-        "{}:{}: expected JSON, found {}", file, row,
-        at >= text.size() ? std::string("the end of the file") : QuotedText(text.substr(at, 20))));
-  }
-}
-
 Json EdgeJson(const std::array<std::int32_t, 3>& edge) {
   return {IsoDay(edge[0]), IsoDay(edge[1]), IsoDay(edge[2])};
 }
@@ -347,7 +183,7 @@ std::string IsoDay(std::int32_t day) {
 }
 
 Weather ParseWeatherJson(const std::string& text, const std::string& file) {
-  return WeatherReader(file).Read(ParseDocument(text, file));
+  return WeatherReader(file).Read(ParseJsonDocument(text, file));
 }
 
 Json WeatherJson(const Weather& weather) {

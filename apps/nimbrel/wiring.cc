@@ -1,6 +1,9 @@
 #include "nimbrel/wiring.h"
 
+#include <cmath>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -53,6 +56,37 @@ std::string CalendarKind(const Plan& /*plan*/, const Task& task) {
   return role == "1" ? "event" : role == "3" || role == "4" ? "window" : "";
 }
 
+/// The days of a period, from its first to its last; nothing for what is no period.
+std::optional<engine::DayRange> SpanOf(const Task& task) {
+  if (WeatherRole(task) != "1") {
+    return std::nullopt;
+  }
+  engine::DayRange span;
+  int ends = 0;
+  for (const engine::CustomValue& value : task.custom_values) {
+    const auto* date = value.value.Get<platform::Date>();
+    if (date == nullptr) {
+      continue;
+    }
+    const auto day = static_cast<std::int32_t>(std::floor(date->serial));
+    if (platform::EqualsIgnoreCase(value.field, "Weather-start")) {
+      span.first = day;
+      ++ends;
+    } else if (platform::EqualsIgnoreCase(value.field, "Weather-end")) {
+      span.last = day;
+      ++ends;
+    }
+  }
+  return ends == 2 ? std::optional(span) : std::nullopt;
+}
+
+/// Periods go together on the days that they have in common.
+bool SpansOverlap(const Plan& /*plan*/, const Task& one, const Task& other) {
+  const std::optional<engine::DayRange> a = SpanOf(one);
+  const std::optional<engine::DayRange> b = SpanOf(other);
+  return a && b && a->first <= b->last && b->first <= a->last;
+}
+
 }  // namespace
 
 bool IsWeatherPlan(const Plan& plan) {
@@ -92,6 +126,7 @@ std::shared_ptr<void> JoinAddIn(Host& host) {
 engine::RunWiring MakeRunWiring(bool weather) {
   engine::RunWiring wiring;
   wiring.host = MakeHostOptions();
+  wiring.together = SpansOverlap;
   if (weather) {
     wiring.attach = [](Host& host) -> std::shared_ptr<void> {
       return std::make_shared<Listening>(host);

@@ -23,8 +23,8 @@ TEST_F(ProgramTest, TheVersionIsThatOfTheBuild) {
 
 TEST_F(ProgramTest, TheHelpListsEveryCommandAndTheExitCodes) {
   const std::string help = Output({"--help"});
-  for (const char* word : {"import", "info", "schedule", "ranges", "weather", "run", "--version",
-                           "--help", "Examples:", "Exit codes:", "130"}) {
+  for (const char* word : {"import", "info", "schedule", "ranges", "weather", "run", "explain",
+                           "correlate", "--version", "--help", "Examples:", "Exit codes:", "130"}) {
     EXPECT_THAT(help, HasSubstr(word));
   }
 }
@@ -49,7 +49,7 @@ TEST_P(HelpTest, TheHelpOfACommandListsItsOptionsWithExamples) {
     EXPECT_THAT(help, HasSubstr(option));
   }
   EXPECT_THAT(help, HasSubstr("Examples:"));
-  for (const char* missing : {"--until", "--attribute", "--report", "lhs"}) {
+  for (const char* missing : {"--report"}) {
     EXPECT_THAT(help, Not(HasSubstr(missing)));
   }
 }
@@ -68,8 +68,13 @@ INSTANTIATE_TEST_SUITE_P(
                       CommandOptions{{"weather", "clear"}, {"PLAN"}},
                       CommandOptions{{"run"},
                                      {"PLAN", "--weather", "--iterations", "--seed", "--workers",
-                                      "--no-weather", "--compare", "--sampling", "--json",
-                                      "--samples", "--tasks", "--quiet"}}));
+                                      "--no-weather", "--compare", "--sampling", "lhs", "--until",
+                                      "--attribute", "--milestone", "--json", "--samples", "--csv",
+                                      "--tasks", "--quiet"}},
+                      CommandOptions{{"explain"},
+                                     {"PLAN", "--iteration", "--percentile", "--seed",
+                                      "--iterations", "--sampling", "--json"}},
+                      CommandOptions{{"correlate"}, {"PLAN", "--apply"}}));
 
 struct BadLine {
   std::vector<std::string> arguments;
@@ -110,7 +115,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"run", "a.xer", "--workers", "0"}, "from 1 to 256, found \"0\""},
         BadLine{{"run", "a.xer", "--workers", "257"}, "from 1 to 256, found \"257\""},
         BadLine{{"run", "a.xer", "--seed", "18446744073709551616"}, "--seed"},
-        BadLine{{"run", "a.xer", "--sampling", "lhs"}, "expected mc, found \"lhs\""},
+        BadLine{{"run", "a.xer", "--sampling", "sobol"}, "expected mc or lhs, found \"sobol\""},
         BadLine{{"run", "a.xer", "--no-weather", "--compare"}, "excludes"},
         BadLine{{"run", "a.xer", "--no-weather", "--weather", "w.json"}, "excludes"},
         BadLine{{"run", "a.xer", "--json", "x", "--samples", "x"}, "two different files"}));

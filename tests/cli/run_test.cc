@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "engine/results/statistics.h"
+#include "engine/risk/run_document_maker.h"
 #include "nimbrel/json_text.h"
 #include "nimbrel/run_output.h"
 #include "tests/cli/cli_fixture.h"
@@ -56,22 +59,30 @@ TEST_F(RunTest, ResultsNeverTakeThePlaceOfWhatIsRead) {
 
 TEST_F(RunTest, JsonHasItsKeysInTheirOrder) {
   const Json json = JsonOf({WeatherPlan(), "--compare"});
-  EXPECT_THAT(Keys(json), ElementsAre("version", "plan", "iterations", "seed", "time_unit",
-                                      "weather", "deterministic", "finish", "without_weather",
-                                      "weather_delay_days", "calendars", "tasks", "warnings"));
-  EXPECT_THAT(Keys(json["finish"]), ElementsAre("mean", "sd_days", "min", "max", "p10", "p50",
-                                                "p80", "p90", "p80_low", "p80_high"));
+  EXPECT_THAT(Keys(json),
+              ElementsAre("version", "plan", "iterations", "seed", "time_unit", "weather",
+                          "deterministic", "finish", "without_weather", "weather_delay_days",
+                          "calendars", "tasks", "warnings", "sampling", "distribution",
+                          "sensitivities", "heat_maps", "milestones", "critical_chain", "inputs"));
+  EXPECT_THAT(
+      Keys(json["finish"]),
+      ElementsAre("mean", "sd_days", "min", "max", "p10", "p50", "p80", "p90", "p80_low",
+                  "p80_high", "p10_low", "p10_high", "p50_low", "p50_high", "p90_low", "p90_high"));
   EXPECT_THAT(Keys(json["without_weather"]), ElementsAre("finish"));
   EXPECT_EQ(Keys(json["without_weather"]["finish"]), Keys(json["finish"]));
-  EXPECT_THAT(Keys(json["weather_delay_days"]), ElementsAre("mean", "p50", "p80"));
+  EXPECT_THAT(Keys(json["weather_delay_days"]),
+              ElementsAre("mean", "p50", "p80", "p50_low", "p50_high", "p80_low", "p80_high"));
   ASSERT_EQ(json["calendars"].size(), 1U);
   EXPECT_THAT(Keys(json["calendars"][0]), ElementsAre("name", "kind", "lost_days"));
-  EXPECT_THAT(Keys(json["calendars"][0]["lost_days"]), ElementsAre("mean", "p80"));
+  EXPECT_THAT(Keys(json["calendars"][0]["lost_days"]),
+              ElementsAre("mean", "p80", "p80_low", "p80_high"));
   const Json& task = json["tasks"].back();
   EXPECT_THAT(Keys(task),
               ElementsAre("id", "name", "start", "finish", "criticality", "nosplit_pushed_days"));
-  EXPECT_THAT(Keys(task["start"]), ElementsAre("p50"));
-  EXPECT_THAT(Keys(task["finish"]), ElementsAre("mean", "p10", "p50", "p80", "p90"));
+  EXPECT_THAT(Keys(task["start"]), ElementsAre("p50", "p50_low", "p50_high"));
+  EXPECT_THAT(Keys(task["finish"]),
+              ElementsAre("mean", "p10", "p50", "p80", "p90", "p10_low", "p10_high", "p50_low",
+                          "p50_high", "p80_low", "p80_high", "p90_low", "p90_high"));
 }
 
 TEST_F(RunTest, JsonSaysHowTheRunWasMade) {
@@ -264,8 +275,10 @@ std::string TextOfStopped(std::int32_t without_weather, std::int32_t with_weathe
     }
     result.finish = engine::DateSummarizer().Summarize(result.finish_samples, true);
   };
-  fill(report.without_weather, without_weather);
-  fill(report.main, with_weather);
+  fill(report.results.without_weather, without_weather);
+  fill(report.results.with_weather, with_weather);
+  report.document = engine::MakeRunDocument(
+      plan, {.run = report.run(), .weather = true, .compared = &report.results});
   return RunText(plan, report, {}, true, Terminal{});
 }
 
@@ -275,6 +288,124 @@ TEST_F(RunTest, AStoppedComparisonTellsHowFarItCame) {
                         "Stopped: 4 of 10 iterations without weather and none with it were done."));
   EXPECT_THAT(TextOfStopped(10, 7), HasSubstr("Stopped: 7 of 10 iterations were done."));
   EXPECT_THAT(TextOfStopped(10, 10), Not(HasSubstr("Stopped")));
+}
+
+TEST_F(RunTest, EveryPercentileHasItsIntervalAroundIt) {
+  const Json json = JsonOf({WeatherPlan(), "--compare", "--attribute"});
+  int percentiles = 0;
+  const std::function<void(const Json&)> check = [&](const Json& value) {
+    if (value.is_object() && value.contains("cost_days")) {
+      Json rest = value;  // differences of percentiles, not percentiles
+      rest.erase("cost_days");
+      check(rest);
+      return;
+    }
+    for (const auto& [key, child] : value.items()) {
+      const bool is_percentile = value.is_object() && key.size() == 3 && key[0] == 'p';
+      if (is_percentile) {
+        ++percentiles;
+        ASSERT_TRUE(value.contains(key + "_low")) << value.dump();
+        EXPECT_LE(value[key + "_low"], child);
+        EXPECT_GE(value[key + "_high"], child);
+      }
+      if (child.is_structured()) {
+        check(child);
+      }
+    }
+  };
+  check(json);
+  EXPECT_GT(percentiles, 40);
+}
+
+TEST_F(RunTest, AttributionAndLedgerAddUp) {
+  const std::string plan = WeatherPlan();
+  const Json json = JsonOf({plan, "--attribute"});
+  // One calendar: what it costs is what all weather costs.
+  const Json& attribution = json["attribution"];
+  ASSERT_EQ(attribution["calendars"].size(), 1U);
+  EXPECT_EQ(attribution["calendars"][0]["left_out"]["cost_days"], attribution["cost_days"]);
+  EXPECT_EQ(attribution["all"]["finish"], json["finish"]);
+  const Json& ledger = json["ledger"][0];
+  EXPECT_EQ(ledger["lost_days"], 2.0);
+  EXPECT_NEAR(ledger["off_days"].get<double>() + ledger["idle_days"].get<double>() +
+                  ledger["absorbed_days"].get<double>() + ledger["moving_days"].get<double>(),
+              2.0, 0.0003);
+  const std::string text = Output({"run", plan, "--attribute", "--iterations", "50"});
+  for (const char* part : {"Cost in days", "all weather", "STORM", "with the others", "alone",
+                           "What each calendar adds to P80", "moving the finish"}) {
+    EXPECT_THAT(text, HasSubstr(part));
+  }
+}
+
+TEST_F(RunTest, UntilEndsTheRunAndSaysHowWideTheIntervalIs) {
+  const std::string plan = WeatherPlan();
+  Output({"run", plan, "--until", "30", "--iterations", "5000", "--json", Path("r.json")});
+  Json json = Json::parse(Read(Path("r.json")));
+  EXPECT_EQ(json["iterations"], 256);
+  EXPECT_EQ(json["until"]["met"], true);
+  EXPECT_LE(json["until"]["width_days"], 30);
+  EXPECT_THAT(Output({"run", plan, "--until", "0.001", "--iterations", "300"}),
+              HasSubstr("and not reached"));
+  for (const char* days : {"0", "-1", "x", "nan"}) {
+    ExpectFailure({"run", plan, "--until", days}, 2, "expected a number of days above 0");
+  }
+}
+
+TEST_F(RunTest, LatinHypercubeIsTheSameForAnyNumberOfWorkers) {
+  const std::string plan = WeatherPlan();
+  const auto bytes = [&](const std::string& workers) {
+    Output({"run", plan, "--attribute", "--sampling", "lhs", "--iterations", "130", "--workers",
+            workers, "--json", Path("r.json")});
+    return Read(Path("r.json"));
+  };
+  const std::string one = bytes("1");
+  EXPECT_EQ(bytes("3"), one);
+  EXPECT_EQ(Json::parse(one)["sampling"], "lhs");
+}
+
+TEST_F(RunTest, TellsWhatDrivesAMilestone) {
+  const std::string plan = WeatherPlan();
+  const Json json = JsonOf({plan, "--milestone", "m"});
+  ASSERT_EQ(json["sensitivities"].size(), 2U);
+  EXPECT_EQ(json["sensitivities"][0]["target"], nullptr);
+  EXPECT_EQ(json["sensitivities"][1]["target"], "M");
+  // The chain: B is the longest and varies most.
+  EXPECT_EQ(json["sensitivities"][1]["tasks"][0]["id"], "B");
+  ExpectFailure({"run", plan, "--milestone", "Z"}, 2, "--milestone: expected IDs");
+  EXPECT_THAT(Output({"run", plan, "--iterations", "30"}), HasSubstr("What drives the finish"));
+}
+
+TEST_F(RunTest, CsvFolderHasTheTablesAndIsReplacedWhole) {
+  const std::string plan = WeatherPlan();
+  const std::string folder = Path("tables");
+  Output({"run", plan, "--attribute", "--iterations", "40", "--csv", folder});
+  const std::string finish = Read(folder + "/finish.csv");
+  EXPECT_THAT(finish, ::testing::StartsWith("run,mean,sd_days,min,max,p10,p10_low,p10_high,"));
+  EXPECT_THAT(finish, HasSubstr("\nwith weather,2027-"));
+  EXPECT_THAT(Read(folder + "/ledger.csv"), HasSubstr("\nSTORM,event,2,"));
+  EXPECT_THAT(Read(folder + "/attribution.csv"), HasSubstr("STORM,left out,"));
+  // A run that has fewer tables leaves none of the former ones behind.
+  Output({"run", plan, "--iterations", "40", "--csv", folder + "/"});
+  EXPECT_FALSE(std::filesystem::exists(folder + "/ledger.csv"));
+  EXPECT_TRUE(std::filesystem::exists(folder + "/finish.csv"));
+}
+
+TEST_F(RunTest, CsvFolderWithOtherFilesIsLeftAlone) {
+  const std::string plan = WeatherPlan();
+  std::filesystem::create_directory(Path("mine"));
+  Write("mine/thesis.txt", "years of work");
+  ExpectFailure({"run", plan, "--iterations", "40", "--csv", Path("mine")}, 3, "thesis.txt");
+  ExpectFailure({"run", plan, "--iterations", "40", "--csv", plan}, 2, "--csv: expected another");
+}
+
+TEST_F(RunTest, ATerminalSeesColoursAndAPipeDoesNot) {
+  const std::string plan = WeatherPlan();
+  Terminal terminal{.out_is_terminal = true, .utf8 = true, .colours = true};
+  EXPECT_THAT(Run({"run", plan, "--compare", "--iterations", "30"}, terminal).out,
+              HasSubstr("\x1b[34m"));
+  terminal.colours = false;
+  EXPECT_THAT(Run({"run", plan, "--compare", "--iterations", "30"}, terminal).out,
+              Not(HasSubstr("\x1b")));
 }
 
 TEST_F(RunTest, NothingIsWrittenIfOneOfTheFilesCannotBe) {

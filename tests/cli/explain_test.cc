@@ -1,0 +1,81 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "nimbrel/json_text.h"
+#include "tests/cli/cli_fixture.h"
+
+namespace nimbrel::cli {
+namespace {
+
+using ::testing::HasSubstr;
+
+class ExplainTest : public CliTest {
+ protected:
+  Json Story(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "explain");
+    arguments.push_back("--json");
+    return Json::parse(Output(arguments));
+  }
+};
+
+TEST_F(ExplainTest, HasTheFinishOfEverySampleOfTheRun) {
+  const std::string plan = WeatherPlan();
+  Output({"run", plan, "--iterations", "12", "--seed", "9", "--sampling", "lhs", "--samples",
+          Path("s.csv")});
+  std::istringstream lines(Read(Path("s.csv")));
+  std::string line;
+  std::getline(lines, line);
+  int count = 0;
+  while (std::getline(lines, line)) {
+    const std::string number = line.substr(0, line.find(','));
+    const Json story = Story(
+        {plan, "--iteration", number, "--iterations", "12", "--seed", "9", "--sampling", "lhs"});
+    EXPECT_EQ(story["finish"], line.substr(line.find(',') + 1));
+    EXPECT_EQ(story["driving_path"].back()["finish"], story["finish"]);
+    ++count;
+  }
+  EXPECT_EQ(count, 12);
+}
+
+TEST_F(ExplainTest, PicksTheIterationOfAPercentile) {
+  const std::string plan = WeatherPlan();
+  Output({"run", plan, "--iterations", "40", "--json", Path("r.json")});
+  const Json run = Json::parse(Read(Path("r.json")));
+  const Json story = Story({plan, "--percentile", "80", "--iterations", "40"});
+  EXPECT_EQ(story["finish"], run["finish"]["p80"]);
+  EXPECT_EQ(story["iteration"], run["critical_chain"]["iteration"]);
+}
+
+TEST_F(ExplainTest, TellsPeriodsAndWhatTheyHeldUp) {
+  const std::string plan = WeatherPlan();
+  const Json story = Story({plan, "--iteration", "3"});
+  ASSERT_EQ(story["periods"].size(), 1U);
+  const Json& period = story["periods"][0];
+  EXPECT_EQ(period["calendar"], "STORM");
+  EXPECT_EQ(period["occurred"], true);
+  EXPECT_EQ(period["length_days"], 2.0);
+  EXPECT_EQ(period["lost_days"], 2);
+  const std::string text = Output({"explain", plan, "--iteration", "3"});
+  for (const char* part : {"iteration 3 of 1,000, seed 1", "Finish: 2027-", "STORM", "occurred",
+                           "Driving path", "Lift the roof"}) {
+    EXPECT_THAT(text, HasSubstr(part));
+  }
+}
+
+TEST_F(ExplainTest, RefusesIterationsAndPercentilesThatAreNone) {
+  const std::string plan = WeatherPlan();
+  ExpectFailure({"explain", plan, "--iteration", "1001"}, 2,
+                "--iteration: expected 1 to 1000, the run's iterations, found 1001");
+  ExpectFailure({"explain", plan, "--iteration", "0"}, 2, "--iteration");
+  ExpectFailure({"explain", plan, "--percentile", "101"}, 2, "--percentile");
+  ExpectFailure({"explain", plan}, 2, "expected --iteration or --percentile, found neither");
+  ExpectFailure({"explain", plan, "--iteration", "1", "--percentile", "50"}, 2, "--percentile");
+  ExpectFailure({"explain", Path("none.nplan"), "--iteration", "1"}, 3, "none.nplan");
+}
+
+}  // namespace
+}  // namespace nimbrel::cli
