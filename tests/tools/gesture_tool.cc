@@ -100,26 +100,37 @@ class Wired {
 };
 
 void Play(const Command& command, std::ostream& out) {
-  std::unique_ptr<Hands> hands = MakeHands(command.face);
-  std::vector<Gesture> script = ParseScript(cli::ReadTextFile(command.script), command.script);
-  const auto host =
-      engine::MakeHost(cli::OpenPlanToChange(command.plan).plan, cli::MakeHostOptions());
-  GesturePlayer player(std::move(script), *hands, out);
+  const std::unique_ptr<Hands> hands = MakeHands(command.face);
+  PlayOnPlan(command.plan, ParseScript(cli::ReadTextFile(command.script), command.script), *hands,
+             *command.locale, out);
+}
+
+}  // namespace
+
+void PlayOnPlan(const std::string& plan, std::vector<Gesture> script, Hands& hands,
+                const platform::Locale& locale, std::ostream& out,
+                const std::function<void(toolkit::Desktop&)>& open) {
+  const auto host = engine::MakeHost(cli::OpenPlanToChange(plan).plan, cli::MakeHostOptions());
+  GesturePlayer player(std::move(script), hands, out);
   {
-    const Wired wired(*host, *command.locale);
-    const QuietServices services(player, command.plan + ".shown.xlsx");
+    const Wired wired(*host, locale);
+    const QuietServices services(player, plan + ".shown.xlsx");
     host::Seams seams;
     seams.message_box = &player;
     seams.ShowWeatherDialog = [&player] {
       dialog::ShowWeatherDialog(player, dialog::WorkbookButtons());
     };
     const auto entry = platform::MakeRef<host::clsNimbrel>(std::move(seams));
-    player.Play([&entry] { entry->Main(); });
+    player.Play([&] {
+      if (open) {
+        open(player);
+      } else {
+        entry->Main();
+      }
+    });
   }
-  cli::SaveDocument(host->document(), command.plan);
+  cli::SaveDocument(host->document(), plan);
 }
-
-}  // namespace
 
 int RunGestureTool(const std::vector<std::string>& arguments, std::ostream& out,
                    std::ostream& err) {

@@ -1,10 +1,24 @@
 #pragma once
 
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "platform/locale.h"
+#include "tests/support/gestures/gesture_script.h"
+#include "tests/support/gestures/hands.h"
+#include "toolkit/desktop.h"
+
 namespace nimbrel::gestures {
+
+/// Plays a script on the plan file `plan` with these hands, writes the log to `out`, and saves the
+/// plan. `open` shows a form on the desktop that it is given; empty for the weather dialog, opened
+/// as the program does. Raises cli::CommandError for a file that is no plan or can't be read or
+/// written. One run at a time in a process.
+void PlayOnPlan(const std::string& plan, std::vector<Gesture> script, Hands& hands,
+                const platform::Locale& locale, std::ostream& out,
+                const std::function<void(toolkit::Desktop&)>& open = {});
 
 /// Runs the tool with `arguments`, those behind the program's name:
 ///

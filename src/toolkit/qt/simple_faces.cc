@@ -12,6 +12,7 @@
 #include "toolkit/qt/check_outline.h"
 #include "toolkit/qt/faces.h"
 #include "toolkit/qt/qt_text.h"
+#include "toolkit/qt/twips_layout.h"
 
 namespace nimbrel::toolkit::qt {
 namespace {
@@ -112,7 +113,7 @@ class LabelFace final : public ControlFace {
       : ControlFace(label, host), label_(label), widget_(*new QLabel(&parent)) {
     widget_.setTextFormat(Qt::PlainText);
     widget_.setWordWrap(true);
-    widget_.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    widget_.setAlignment(Qt::AlignLeft | (HasOneLine() ? Qt::AlignVCenter : Qt::AlignTop));
     Watch(widget_);
   }
 
@@ -121,8 +122,7 @@ class LabelFace final : public ControlFace {
   /// A label that has the room of one line stays on it; others break between words.
   int NeededWidth() const override {
     const QFontMetrics metrics = widget_.fontMetrics();
-    const double line = 13.0 * 15.0;  // twips of a line, as the places of controls reckon with
-    if (label_.Height() < 2.0 * line) {
+    if (HasOneLine()) {
       return TextSize(widget_, label_.Caption()).width() + 1;
     }
     int widest = 0;
@@ -148,6 +148,8 @@ class LabelFace final : public ControlFace {
   }
 
  private:
+  bool HasOneLine() const { return label_.Height() < 2 * kTwipsOfLine; }
+
   Label& label_;
   QLabel& widget_;
 };

@@ -9,10 +9,10 @@
 namespace nimbrel::toolkit::qt {
 namespace {
 
-/// The height of a line in the font that the places in twips reckon with: 13 pixels of 15 twips.
-constexpr double kTwipsOfLine = 13.0 * 15.0;
 /// What room without captions may shrink to.
 constexpr double kLeastShare = 0.6;
+/// And the room of lists, before what their first rows need.
+constexpr double kLeastShareOfLists = 0.1;
 /// A control that reaches so little into the one below it, in twips, ends where that one begins.
 constexpr int kOverlap = 45;
 
@@ -117,34 +117,38 @@ std::vector<TwipsLayout::Band> TwipsLayout::Bands(const std::vector<Span>& spans
   const double scale = FontScale();
   std::vector<Band> bands;
   for (std::size_t i = 0; i + 1 < edges.size(); ++i) {
-    const double natural = (edges[i + 1] - edges[i]) * scale;
-    bands.push_back({edges[i], edges[i + 1], natural * kLeastShare, natural});
+    Band band{edges[i], edges[i + 1], 0.0, (edges[i + 1] - edges[i]) * scale, false};
+    // One control of fixed height holds the whole band.
+    const auto holds = [&band](const Span& span) {
+      return Holds(span, band) && !span.face->Stretches();
+    };
+    band.stretches = std::any_of(spans.begin(), spans.end(),
+                                 [&band](const Span& span) { return Holds(span, band); }) &&
+                     std::none_of(spans.begin(), spans.end(), holds);
+    band.minimum = band.natural * (band.stretches ? kLeastShareOfLists : kLeastShare);
+    bands.push_back(band);
   }
+  Widen(bands, spans);
+  return bands;
+}
+
+void TwipsLayout::Widen(std::vector<Band>& bands, const std::vector<Span>& spans) {
   // The smaller a control is, the less choice there is of where its room can come from.
   for (const Span& span : spans) {
     double room = 0.0;
     for (const Band& band : bands) {
-      room += band.top >= span.top && band.bottom <= span.bottom ? band.minimum : 0.0;
+      room += Holds(span, band) ? band.minimum : 0.0;
     }
     const double missing = span.needed - room;
     for (Band& band : bands) {
-      if (missing > 0.0 && band.top >= span.top && band.bottom <= span.bottom) {
+      if (missing > 0.0 && Holds(span, band)) {
         band.minimum += missing * (band.bottom - band.top) / (span.bottom - span.top);
       }
     }
   }
   for (Band& band : bands) {
     band.natural = std::max(band.natural, band.minimum);
-    for (const Span& span : spans) {
-      if (band.top >= span.top && band.bottom <= span.bottom) {
-        band.stretches = span.face->Stretches();
-        if (!band.stretches) {
-          break;  // one control of fixed height holds the whole band
-        }
-      }
-    }
   }
-  return bands;
 }
 
 std::vector<double> TwipsLayout::Edges(const std::vector<Band>& bands, double height) {

@@ -8,6 +8,10 @@
 
 namespace nimbrel::toolkit::qt {
 
+/// The height of a line of text in the font that places in twips reckon with: 13 pixels of 15
+/// twips.
+constexpr int kTwipsOfLine = 13 * 15;
+
 /// Arranges controls by their places in twips. Across, everything grows in proportion, so that what
 /// stands under something stays there. Down, lists and what holds them take what there is more, and
 /// everything else keeps its height. Twips are scaled with the font, and nothing becomes smaller
@@ -63,7 +67,12 @@ class TwipsLayout final : public QLayout {
   double NeededScale() const;
   std::vector<const ControlFace*> ShownFaces() const;
   std::vector<Span> Spans(double scale_across) const;
+  static bool Holds(const Span& span, const Band& band) {
+    return band.top >= span.top && band.bottom <= span.bottom;
+  }
   std::vector<Band> Bands(const std::vector<Span>& spans) const;
+  /// Gives each control the height that it needs.
+  static void Widen(std::vector<Band>& bands, const std::vector<Span>& spans);
   /// Where each band begins, and the last one ends, in pixels.
   static std::vector<double> Edges(const std::vector<Band>& bands, double height);
 
