@@ -259,6 +259,10 @@ INSTANTIATE_TEST_SUITE_P(
                "stream: expected a random stream other than 0, found 0"},
         Damage{"NumberTooHigh", "UPDATE plan SET next_uid = 5",
                "table tasks, row 3, uid: expected a number from 1 to 4, found 5"},
+        Damage{"SameNumberTwice",
+               "CREATE TABLE other AS SELECT * FROM tasks; DROP TABLE tasks; "
+               "ALTER TABLE other RENAME TO tasks; UPDATE tasks SET uid = 3 WHERE uid = 4",
+               "table tasks, row 2, uid: expected a number of its own, found 3"},
         Damage{"SameIdInOtherCase", "UPDATE tasks SET id = 'a0' WHERE uid = 5",
                "table tasks, row 3, id: expected an ID of its own, found \"a0\""},
         Damage{"EmptyId", "UPDATE tasks SET id = '' WHERE uid = 4", "expected an ID, found"},

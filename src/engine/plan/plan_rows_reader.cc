@@ -232,6 +232,9 @@ void ReadTasks(const SqliteDatabase& database, Plan& plan) {
       rows.RefuseLast("a random stream other than 0");
     }
     task.uid = rows.IntegerFrom(1, end - 1);
+    if (plan.FindTask(task.uid) != nullptr) {  // of a damaged file: the column is a key
+      rows.RefuseLast("a number of its own");
+    }
     task.description = rows.Text();
     rows.Code(task.kind);
     task.parent = rows.Reference();
