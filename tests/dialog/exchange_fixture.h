@@ -82,6 +82,8 @@ class ExchangeButtonsTest : public recording::ExchangeTest {
     on_sheets_.clear();
     form().ShowModal();
   }
+  /// The dialog; one serves one opening, and NewForm makes the next.
+  void NewForm() { form_ = nullptr; }
   frmWeather& form() {
     if (!form_) {
       form_ = std::make_unique<frmWeather>(desktop_, WorkbookButtons());
