@@ -18,10 +18,12 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "nimbrel/console.h"
 #include "nimbrel/program.h"
+#include "tests/tools/faces.h"
 #include "tests/tools/gesture_tool.h"
 
 namespace nimbrel::dialog {
@@ -72,14 +74,14 @@ class StoryTest : public ::testing::Test {
   std::string plan() const { return Path("plan.nplan"); }
 
   /// Plays a story on a fresh plan, after those that it goes on from. Gives its log.
-  std::string Play(const std::string& story) {
+  std::string Play(const std::string& story, const std::string& face = "plain") {
     const std::filesystem::path script = kStories / (story + ".gestures");
     std::istringstream text(Read(script));
     std::string key;
     std::string value;
     text.ignore(2) >> key >> value;
     if (key == "after:") {
-      Play(value);
+      Play(value, face);
     } else if (key == "plan:") {
       Run({"import", (kTop / value).string(), "-o", plan()});
     } else {
@@ -87,7 +89,7 @@ class StoryTest : public ::testing::Test {
     }
     std::ostringstream log;
     std::ostringstream trouble;
-    EXPECT_EQ(gestures::RunGestureTool({plan(), script.string()}, log, trouble), 0)
+    EXPECT_EQ(gestures::RunGestureTool({"--face", face, plan(), script.string()}, log, trouble), 0)
         << trouble.str();
     return log.str();
   }
@@ -126,14 +128,31 @@ class StoryTest : public ::testing::Test {
   std::filesystem::path folder_;
 };
 
-class EveryStory : public StoryTest, public ::testing::WithParamInterface<std::string> {};
-
-TEST_P(EveryStory, GivesTheLogThatStandsBesideIt) {
-  EXPECT_EQ(Play(GetParam()), Read(kStories / (GetParam() + ".log")));
+/// The faces that these tests are built with.
+std::vector<std::string> FaceNames() {
+  std::vector<std::string> names;
+  for (const gestures::Face& face : gestures::Faces()) {
+    if (face.make_hands != nullptr) {
+      names.push_back(face.name);
+    }
+  }
+  return names;
 }
 
-INSTANTIATE_TEST_SUITE_P(Stories, EveryStory, ::testing::ValuesIn(StoryNames()),
-                         [](const auto& story) { return story.param; });
+class EveryStory : public StoryTest,
+                   public ::testing::WithParamInterface<std::tuple<std::string, std::string>> {};
+
+TEST_P(EveryStory, GivesTheLogThatStandsBesideIt) {
+  const auto& [face, story] = GetParam();
+  EXPECT_EQ(Play(story, face), Read(kStories / (story + ".log")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Stories, EveryStory,
+                         ::testing::Combine(::testing::ValuesIn(FaceNames()),
+                                            ::testing::ValuesIn(StoryNames())),
+                         [](const auto& story) {
+                           return std::get<0>(story.param) + "_" + std::get<1>(story.param);
+                         });
 
 TEST_F(StoryTest, WhatWasTypedIsTheWeatherOfThePlan) {
   Play("storm_and_closed_yard");
