@@ -88,17 +88,20 @@ bool ScheduleHeldBack(Network& network, Slot slot, EarlyBounds bounds) {
 void ScheduleTask(Network& network, Slot slot) {
   const EarlyBounds bounds = GatherBounds(network, slot);
   WorkTable& table = network.TableOf(slot);
-  const TaskFacts& facts = network.facts[slot];
-  if (facts.expected_finish != kNoCeiling) {
-    MeetExpectedFinish(network, slot, bounds);
-  }
-  if (facts.IsHeldBack() && ScheduleHeldBack(network, slot, bounds)) {
-    return;
+  if (network.nodes[slot].has_end) {
+    const TaskFacts& facts = network.facts[slot];
+    if (facts.expected_finish != kNoCeiling) {
+      MeetExpectedFinish(network, slot, bounds);
+    }
+    if (facts.IsHeldBack() && ScheduleHeldBack(network, slot, bounds)) {
+      return;
+    }
   }
   const std::int32_t minutes = network.nodes[slot].minutes;
   if (minutes == 0) {
-    const Instant moment = MomentWithoutWork(
-        table, Instant::FromPacked(std::max(bounds.start, bounds.finish)), facts.kind);
+    const Instant moment =
+        MomentWithoutWork(table, Instant::FromPacked(std::max(bounds.start, bounds.finish)),
+                          network.facts[slot].kind);
     SetEarly(network, slot, moment, moment);
   } else if (bounds.finish == kNoFloor && table.is_uniform()) {
     const WorkTable::Span span = table.Place(bounds.start, minutes);

@@ -89,8 +89,8 @@ void ApplyConstraints(Network& network, Slot slot) {
   }
   network.finish_floor[slot] = finish_floor;
   FindEarlyCeilings(network, facts);
-  node.is_general = node.is_mandatory || finish_floor != kNoFloor || facts.IsHeldBack() ||
-                    facts.expected_finish != kNoCeiling ||
+  node.has_end = facts.IsHeldBack() || facts.expected_finish != kNoCeiling;
+  node.is_general = node.is_mandatory || node.has_end || finish_floor != kNoFloor ||
                     !network.tables[node.table].is_uniform() || !network.other_links[slot].empty();
 }
 

@@ -38,6 +38,7 @@ struct Node {
   std::uint16_t table = 0;        // in Network::tables
   bool is_general : 1 = false;    // has more to it than `floor` and the dates in start_refs
   bool is_mandatory : 1 = false;  // its links do not hold
+  bool has_end : 1 = false;       // is expected to finish at a date, or held back to one
   bool is_milestone : 1 = false;  // never has work
 };
 

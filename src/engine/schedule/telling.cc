@@ -116,6 +116,12 @@ std::int32_t FirstDayUnderWay(const Scheduler& scheduler, TaskIndex task) {
   return ready.day() + (hours.worked_before()[ready.minute()] == hours.minutes() ? 1 : 0);
 }
 
+const Constraint& ConstraintOf(const Scheduler& scheduler, TaskIndex task) {
+  const Network& network = scheduler.network();
+  const Slot slot = network.slot_of[static_cast<std::size_t>(task)];
+  return network.facts[static_cast<std::size_t>(slot)].constraints[0];
+}
+
 const std::vector<CalendarIndex>& CalendarsOf(const Scheduler& scheduler, TaskIndex task) {
   const Network& network = scheduler.network();
   const Slot slot = network.slot_of[static_cast<std::size_t>(task)];

@@ -34,6 +34,9 @@ Instant ReadyMoment(const Scheduler& scheduler, TaskIndex task);
 /// the day after where no hours of its own calendar are left by then.
 std::int32_t FirstDayUnderWay(const Scheduler& scheduler, TaskIndex task);
 
+/// A task's primary constraint as it stands.
+const Constraint& ConstraintOf(const Scheduler& scheduler, TaskIndex task);
+
 /// The calendars of a task's working time: its own first, then those behind its risk calendars.
 const std::vector<CalendarIndex>& CalendarsOf(const Scheduler& scheduler, TaskIndex task);
 
