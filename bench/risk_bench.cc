@@ -142,16 +142,17 @@ double SecondsOf(const Plan& plan, const engine::RunOptions& options,
   return ProcessorSeconds() - begin;
 }
 
-/// How many times as long as a plain run a run with these options takes: the least of some tries,
-/// each of which measures both one after the other, so that they find the machine alike.
+/// How many times as long as a plain run a run with these options takes: the shortest of some tries
+/// of each, which take turns, so that they find the machine alike.
 double TimesAsLong(benchmark::State& state, const Plan& plan, engine::RunOptions options) {
   const engine::RunWiring wiring = cli::MakeRunWiring(true);
-  double least = 1e9;
+  double plain = 1e9;
+  double whole = 1e9;
   for (auto _ : state) {
-    const double plain = SecondsOf(plan, {.iterations = options.iterations}, wiring);
-    least = std::min(least, SecondsOf(plan, options, wiring) / plain);
+    plain = std::min(plain, SecondsOf(plan, {.iterations = options.iterations}, wiring));
+    whole = std::min(whole, SecondsOf(plan, options, wiring));
   }
-  return least;
+  return whole / plain;
 }
 
 enum Lifts { kWithoutLifts, kWithLifts };

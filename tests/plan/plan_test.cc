@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "engine/plan/plan_fault.h"
 #include "platform/runtime_error.h"
 
 namespace nimbrel::engine {
@@ -281,6 +284,38 @@ TEST(Plan, DiffersFromACopyInWhateverIsChanged) {
   copy = plan;
   copy.FreshUid();
   EXPECT_NE(copy, plan);
+}
+
+TEST(CorrelationGroups, LoseTheTasksThatAreRemoved) {
+  Plan plan;
+  const Uid a = plan.AddTask(MakeTask("A")).uid;
+  const Uid b = plan.AddTask(MakeTask("B")).uid;
+  const Uid c = plan.AddTask(MakeTask("C")).uid;
+  plan.correlations = {{{a, b, c}, {}, 0.5}, {{}, {"SEA", "WIND"}, 0.8}};
+  plan.RemoveTask(b);
+  EXPECT_EQ(plan.correlations[0].tasks, (std::vector<Uid>{a, c}));
+  plan.RemoveTask(c);  // one task alone goes with nothing
+  ASSERT_EQ(plan.correlations.size(), 1U);
+  EXPECT_EQ(plan.correlations[0].calendars.size(), 2U);
+}
+
+TEST(CorrelationGroups, ThatMakeNoSenseAreFaults) {
+  Plan plan;
+  const Uid a = plan.AddTask(MakeTask("A")).uid;
+  const Uid b = plan.AddTask(MakeTask("B")).uid;
+  plan.correlations = {{{a, b}, {}, -1.0}};
+  EXPECT_EQ(FindFault(plan), std::nullopt);
+  for (const CorrelationGroup& group : std::vector<CorrelationGroup>{{{a, b}, {}, 1.5},
+                                                                     {{a}, {}, 0.5},
+                                                                     {{a, a}, {}, 0.5},
+                                                                     {{a, 99}, {}, 0.5},
+                                                                     {{}, {}, 0.5},
+                                                                     {{a, b}, {"SEA", "WIND"}, 0.5},
+                                                                     {{}, {"SEA", "sea"}, 0.5},
+                                                                     {{a, b}, {}, std::nan("")}}) {
+    plan.correlations = {group};
+    EXPECT_NE(FindFault(plan), std::nullopt);
+  }
 }
 
 }  // namespace

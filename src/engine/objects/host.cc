@@ -103,10 +103,6 @@ void Host::SetConstraint(Uid task, const Constraint& constraint) {
   session().SetConstraint(task, constraint);
 }
 
-const Constraint& Host::constraint(Uid task) const {
-  return session().plan().FindTask(task)->constraint;
-}
-
 void Host::SetWitness(IterationWitness* witness) {
   session().SetWitness(witness);
 }

@@ -103,7 +103,6 @@ class Host final : public Corvane8::Application {
   void ScheduleAgain();
   /// Gives a task another primary constraint; schedules nothing.
   void SetConstraint(Uid task, const Constraint& constraint);
-  const Constraint& constraint(Uid task) const;
   /// Who hears what receivers do from now on; stays the caller's. Null: nobody.
   void SetWitness(IterationWitness* witness);
   /// Where RiskAnalysis.Rnd takes its numbers from, until the plan is closed or the host ends;

@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "engine/schedule/telling.h"
+
 namespace nimbrel::engine {
 
 IterationMaker::IterationMaker(const RunInputs& inputs)
@@ -48,8 +50,7 @@ void IterationMaker::NoteFirst() {
   for (std::size_t i = 0; i < tasks.size(); ++i) {
     first_starts_[i] = scheduler.early_start(tasks[i]);
     if (inputs_.options.attribute) {
-      first_constraints_[i] =
-          host_->constraint(inputs_.layout.tasks[static_cast<std::size_t>(tasks[i])]);
+      first_constraints_[i] = ConstraintOf(scheduler, tasks[i]);
     }
   }
 }

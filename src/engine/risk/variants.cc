@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/calendar/day_bits.h"
+#include "engine/schedule/telling.h"
 
 namespace nimbrel::engine {
 
@@ -13,9 +14,9 @@ void Variants::UndoPushes(IterationMaker& maker) const {
   const std::vector<TaskIndex>& tasks = inputs_.layout.no_split;
   Host& host = maker.host();
   for (std::size_t i = 0; i < tasks.size(); ++i) {
-    const Uid uid = inputs_.layout.tasks[static_cast<std::size_t>(tasks[i])];
-    if (host.constraint(uid) != maker.first_constraints()[i]) {
-      host.SetConstraint(uid, maker.first_constraints()[i]);
+    if (ConstraintOf(host.scheduler(), tasks[i]) != maker.first_constraints()[i]) {
+      host.SetConstraint(inputs_.layout.tasks[static_cast<std::size_t>(tasks[i])],
+                         maker.first_constraints()[i]);
     }
   }
 }
