@@ -124,7 +124,7 @@ class Opened {
   void ShowDialog(std::function<void(dialog::frmWeather&)> on_show) {
     Hand hand;
     hand.on_show = std::move(on_show);
-    dialog::ShowWeatherDialog(hand, {});
+    dialog::ShowWeatherDialog(hand);
   }
 
  private:

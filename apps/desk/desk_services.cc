@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "dialog/exchange_buttons.h"
+#include "dialog/choose_sheet.h"
 #include "dialog/frm_weather.h"
 #include "exchange/mod_excel.h"
 #include "exchange/mod_import_export.h"
@@ -97,9 +97,7 @@ DeskServices::~DeskServices() {
 std::function<void()> WeatherDialogOn(toolkit::Desktop& desktop) {
   host::Seams seams;
   seams.message_box = &desktop;
-  seams.ShowWeatherDialog = [&desktop] {
-    dialog::ShowWeatherDialog(desktop, dialog::WorkbookButtons());
-  };
+  seams.ShowWeatherDialog = [&desktop] { dialog::ShowWeatherDialog(desktop); };
   return [entry = platform::MakeRef<host::clsNimbrel>(std::move(seams))] { entry->Main(); };
 }
 

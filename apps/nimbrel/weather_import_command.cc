@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <optional>
@@ -95,11 +96,17 @@ std::string FailedPlace(frmWeather& form, const CellWatch& watch) {
   return "sheet " + spreadsheet::Quoted(watch.sheet);
 }
 
+/// An absolute path means no cancelled dialog, whatever the file is called.
+std::string FullPath(const Options& options) {
+  return std::filesystem::absolute(options.file).string();
+}
+
 [[noreturn]] void RaiseFailed(const Options& options, const std::string& text,
                               const std::string& place) {
-  // Errors of the reader name the file themselves.
-  if (text.starts_with(options.file + ":")) {
-    throw BadInput(text);
+  // Errors of the reader name file and place themselves.
+  const std::string path = FullPath(options) + ":";
+  if (text.starts_with(path)) {
+    throw BadInput(options.file + ":" + text.substr(path.size()));
   }
   throw BadInput(options.file + ": " + (place.empty() ? "" : place + ": ") + text);
 }
@@ -137,21 +144,31 @@ ExitCode Import(const Options& options, Console& console) {
   NoViewer viewer;
   spreadsheet::ExcelServers servers(viewer);
   WatchedServers watched(servers, watch);
-  UnshownDialog dialog(document.plan, watched, {options.file, options.replace}, console);
+  std::unique_ptr<UnshownDialog> dialog;
   try {
-    dialog.Press(dialog.form().cmdImport);
+    dialog = std::make_unique<UnshownDialog>(
+        document.plan, watched, UnshownDialog::Answers{FullPath(options), options.replace},
+        console);
   } catch (const platform::RuntimeError& error) {
-    RaiseFailed(options, error.text(), FailedPlace(dialog.form(), watch));
+    throw BadInput(options.plan + ": " + error.text());
   }
-  if (dialog.has_asked() && !options.replace) {
+  try {
+    dialog->Press(dialog->form().cmdImport);
+  } catch (const platform::RuntimeError& error) {
+    RaiseFailed(options, error.text(), FailedPlace(dialog->form(), watch));
+  }
+  if (dialog->has_asked() && !options.replace) {
     throw BadInput(options.plan +
                    ": expected a plan without weather data, found some; --replace puts the "
                    "workbook's in their place");
   }
-  RequireFreeNames(options, document.plan, dialog.document());
-  console.out << WeatherSummary(options.plan, dialog.document());
+  if (watch.sheet.empty()) {  // no workbook is without a sheet
+    throw FileTrouble(options.file + ": cannot be read");
+  }
+  RequireFreeNames(options, document.plan, dialog->document());
+  console.out << WeatherSummary(options.plan, dialog->document());
   FlushOutput(console);
-  SaveDocument(dialog.document(), options.plan);
+  SaveDocument(dialog->document(), options.plan);
   return ExitCode::kDone;
 }
 

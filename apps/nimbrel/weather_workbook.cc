@@ -6,7 +6,6 @@
 
 #include "desktop/mod_tool_box.h"
 #include "dialog/desktop_file_dialog.h"
-#include "dialog/exchange_buttons.h"
 #include "exchange/mod_excel.h"
 #include "exchange/mod_import_export.h"
 #include "nimbrel/wiring.h"
@@ -128,7 +127,7 @@ class UnshownDialog::Parts {
         {&progress_, &progress_, &windows_, &file_dialog_, nullptr, &search_, &desktop});
     modExcel::Wire({&servers, &desktop, {}});
     modImportExport::Wire({&desktop, {}});
-    form = std::make_unique<dialog::frmWeather>(desktop, dialog::WorkbookButtons());
+    form = std::make_unique<dialog::frmWeather>(desktop);
   }
   ~Parts() {
     form = nullptr;

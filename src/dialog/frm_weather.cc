@@ -44,13 +44,13 @@ void Fill(platform::Collection<Box*>& collection, std::initializer_list<Box*> bo
 
 }  // namespace
 
-void ShowWeatherDialog(toolkit::Desktop& desktop, WeatherSeams seams) {
-  frmWeather dialog(desktop, std::move(seams));
+void ShowWeatherDialog(toolkit::Desktop& desktop) {
+  frmWeather dialog(desktop);
   dialog.ShowModal();
 }
 
-frmWeather::frmWeather(toolkit::Desktop& desktop, WeatherSeams seams)
-    : Form(desktop, "frmWeather", "Weather Modeling", 13215, 10665), m_oSeams(std::move(seams)) {
+frmWeather::frmWeather(toolkit::Desktop& desktop)
+    : Form(desktop, "frmWeather", "Weather Modeling", 13215, 10665) {
   SetUpLists();
   NameForReaders();
   txtDummy.SetVisible(false);
@@ -59,6 +59,7 @@ frmWeather::frmWeather(toolkit::Desktop& desktop, WeatherSeams seams)
   ConnectWindowPage();
   ConnectRowEditing();
   ConnectAssignPage();
+  ConnectExchange();
 }
 
 void frmWeather::SetUpLists() {
@@ -110,17 +111,6 @@ void frmWeather::ConnectShell() {
   cmdClearAll.Click = [this] { cmdClearAll_Click(); };
   cmdClose.Click = [this] { cmdClose_Click(); };
   cmdHelp.Click = [] { modToolBox::ShowHelpTopic("C21_WeatherOverview.html"); };
-  const auto runs = [this](const std::function<void(frmWeather&)>& seam) {
-    return [this, &seam] {
-      if (seam) {
-        seam(*this);
-      }
-    };
-  };
-  cmdExport.Click = runs(m_oSeams.ExportCalendars);
-  cmdImport.Click = runs(m_oSeams.ImportAll);
-  cmdImportWeather.Click = runs(m_oSeams.ImportEvents);
-  cmdImportWW.Click = runs(m_oSeams.ImportWindows);
 }
 
 void frmWeather::OnLoad() {
@@ -180,16 +170,9 @@ void frmWeather::chkIsWeather_Click() {
 }
 
 void frmWeather::cmdClearAll_Click() {
-  const std::int32_t n = m_oStorage.m_colEventCals.Count() + m_oStorage.m_colWindowCals.Count();
-  if (n > 0) {
-    const toolkit::Answer answer = OwnerDesktop().MsgBox(
-        "This will remove all Weather Modeling data.\r\nWould you like to continue?", kMessageTitle,
-        toolkit::Buttons::kYesNo);
-    if (answer == toolkit::Answer::kNo) {
-      return;
-    }
+  if (MayRemoveAll()) {
+    m_oStorage.RemoveAllWeatherData();
   }
-  m_oStorage.RemoveAllWeatherData();
 }
 
 void frmWeather::cmdClose_Click() {

@@ -1,14 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 
 #include "host/corvane8.h"
 #include "model/frm_weather_storage.h"
 #include "model/weather_controls.h"
+#include "platform/automation.h"
 #include "platform/collection.h"
 #include "platform/date.h"
+#include "platform/ref.h"
+#include "platform/variant.h"
 #include "toolkit/buttons.h"
 #include "toolkit/desktop.h"
 #include "toolkit/edit.h"
@@ -22,20 +24,9 @@
 
 namespace nimbrel::dialog {
 
-class frmWeather;
-
-/// What the buttons that carry weather data to and from workbooks run, handed in where the parts
-/// are wired together. A button whose seam is empty does nothing.
-struct WeatherSeams {
-  std::function<void(frmWeather&)> ExportCalendars;  ///< cmdExport
-  std::function<void(frmWeather&)> ImportAll;        ///< cmdImport
-  std::function<void(frmWeather&)> ImportEvents;     ///< cmdImportWeather
-  std::function<void(frmWeather&)> ImportWindows;    ///< cmdImportWW
-};
-
 /// Makes a fresh weather dialog for the active plan, shows it modally on `desktop`, and lets it go
 /// when it has closed. An error in opening it goes to the caller.
-void ShowWeatherDialog(toolkit::Desktop& desktop, WeatherSeams seams);
+void ShowWeatherDialog(toolkit::Desktop& desktop);
 
 /// The weather dialog: the calendars of event periods and of windows, what is in them, and which
 /// tasks they are for. One instance serves one opening.
@@ -49,7 +40,7 @@ void ShowWeatherDialog(toolkit::Desktop& desktop, WeatherSeams seams);
 class frmWeather final : public toolkit::Form, private model::WeatherControls {
  public:
   /// `desktop` must outlive the dialog.
-  explicit frmWeather(toolkit::Desktop& desktop, WeatherSeams seams = {});
+  explicit frmWeather(toolkit::Desktop& desktop);
 
   // Controls, with their places in twips. Their order is the order of the Tab key.
 
@@ -170,7 +161,12 @@ class frmWeather final : public toolkit::Form, private model::WeatherControls {
   /// The pictures of tvTasks; has no place on the form.
   toolkit::ImageList ImageList1{16, 16};
 
-  // What the exchange with workbooks works on, too.
+  /// Writes every weather calendar that the dialog has into a new workbook, a sheet each, and
+  /// leaves it to the user, unsaved in a visible Excel. The plan stays as it is. The result is
+  /// empty.
+  platform::Variant ExportCalendars();
+
+  // The data behind the controls.
 
   /// The calendars, periods and windows of the plan, the summary task above them, and the
   /// operations that read and write them.
@@ -264,6 +260,31 @@ class frmWeather final : public toolkit::Form, private model::WeatherControls {
   /// before it are then left with their sort keys as texts.
   static void SortListColumn(toolkit::ListView& List, std::int32_t nCol, std::int32_t nKind);
 
+  // The exchange with workbooks, which are reached through modExcel and modImportExport:
+  // exchange_buttons.cc. An error leaves what was done until then, and Excel as it is.
+
+  void ConnectExchange();
+  std::int32_t CountCalendars() const;
+  /// A new workbook with a sheet for each calendar, in an Excel that is hidden and leaves its user
+  /// in peace.
+  platform::Ref<platform::AutomationObject> MakeWorkbook(
+      const platform::Ref<platform::AutomationObject>& excel);
+  /// Whether the user lets all weather data go; not asked where there is none.
+  bool MayRemoveAll() const;
+  /// Makes a calendar of a sheet; one of no known kind counts as events.
+  void ImportSheet(const platform::Ref<platform::AutomationObject>& sheet);
+  /// Make new tasks for all rows of a list, on the calendar `strCal`, and tie the rows to them.
+  void TieEventRows(const std::string& strCal);
+  void TieWindowRows(const std::string& strCal);
+  /// Puts a workbook of the user's choice in the place of all weather data of the plan: each sheet
+  /// becomes a calendar of its name. Makes the plan a weather plan, whatever comes of the import.
+  /// An error leaves m_bFilling set.
+  void cmdImport_Click();
+  /// Put one sheet of a workbook of the user's choice in the place of the periods, or the windows,
+  /// of the selected calendar, as new tasks. The sheet's name does not matter.
+  void cmdImportWeather_Click();
+  void cmdImportWW_Click();
+
   // The page of assignments: assign_page.cc.
 
   void ConnectAssignPage();
@@ -282,7 +303,6 @@ class frmWeather final : public toolkit::Form, private model::WeatherControls {
   void txtFind_KeyDown(int KeyCode);
   void txtFind_GotFocus();
 
-  WeatherSeams m_oSeams;
   EditBoxes m_colEventEdits;        ///< in column order
   EditBoxes m_colWindowEdits;       ///< in column order
   toolkit::ListItemRef m_liEvent;   ///< current row of lstWeather; Nothing when there is none

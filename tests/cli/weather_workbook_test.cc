@@ -297,6 +297,28 @@ TEST_F(WeatherWorkbookTest, AMissingFileIsTrouble) {
                 Path("none.xlsx") + ": cannot be read: No such file or directory");
 }
 
+TEST_F(WeatherWorkbookTest, NoNameOfAWorkbookMeansThatNothingWasChosen) {
+  // The dialog takes "False" for a cancelled choice.
+  AddSheet("STORM", "Weather-Events", {Period("a", {2027, 1, 1}, {2027, 1, 31})});
+  const std::string file = SaveWorkbook();
+  const std::string plan = ChainPlan();
+  const auto folder = std::filesystem::current_path();
+  std::filesystem::current_path(Path(""));
+  std::filesystem::rename(file, "False");
+  const Outcome outcome = Run({"weather", "import", plan, "False"});
+  std::filesystem::current_path(folder);
+  EXPECT_EQ(outcome.code, 0) << outcome.err;
+  EXPECT_EQ(WeatherOf(plan).events.size(), 1u);
+}
+
+TEST_F(WeatherWorkbookTest, ANameWithBlanksAtItsEndCannotBeRead) {
+  // The dialog takes blanks off the ends of a name.
+  AddSheet("STORM", "Weather-Events", {Period("a", {2027, 1, 1}, {2027, 1, 31})});
+  const std::string file = SaveWorkbook();
+  std::filesystem::rename(file, file + " ");
+  ExpectFailure({"weather", "import", ChainPlan(), file + " "}, 3, "cannot be read");
+}
+
 TEST_F(WeatherWorkbookTest, OnlyAPlanOfTheProgramsOwnCanTakeAnImport) {
   AddSheet("STORM", "Weather-Events", {});
   ExpectFailure({"weather", "import", ChainXer(), SaveWorkbook()}, 1, "nimbrel import");

@@ -201,7 +201,7 @@ TEST_F(ExportButton, CanBeRunAgainAfterAFailure) {
 }
 
 TEST_F(ExportButton, GivesAnEmptyResult) {
-  WhileOpen([this] { EXPECT_TRUE(ExportCalendars(form()).IsEmpty()); });
+  WhileOpen([this] { EXPECT_TRUE(form().ExportCalendars().IsEmpty()); });
   EXPECT_THAT(SheetNames(), SizeIs(3));
 }
 

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "dialog/choose_sheet.h"
 #include "dialog/desktop_file_dialog.h"
-#include "dialog/exchange_buttons.h"
 #include "dialog/frm_import.h"
 #include "dialog/frm_weather.h"
 #include "platform/text.h"
@@ -86,7 +86,7 @@ class ExchangeButtonsTest : public recording::ExchangeTest {
   void NewForm() { form_ = nullptr; }
   frmWeather& form() {
     if (!form_) {
-      form_ = std::make_unique<frmWeather>(desktop_, WorkbookButtons());
+      form_ = std::make_unique<frmWeather>(desktop_);
     }
     return *form_;
   }

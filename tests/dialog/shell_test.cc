@@ -363,39 +363,6 @@ TEST_F(Shell, HelpShowsTheOverviewOfTheWeather) {
                                        "\\Help.chm::/C21_WeatherOverview.html"));
 }
 
-TEST_F(Shell, TheButtonsOfTheExchangeRunWhatTheyWereGiven) {
-  AddWeather();
-  Lines ran;
-  WeatherSeams seams;
-  seams.ExportCalendars = [&ran](frmWeather&) { ran.emplace_back("export"); };
-  seams.ImportAll = [&ran](frmWeather&) { ran.emplace_back("all"); };
-  seams.ImportEvents = [&ran](frmWeather& form) {
-    ran.push_back("events of " + form.lstWeatherCals.Text());
-  };
-  seams.ImportWindows = [&ran](frmWeather& form) {
-    ran.push_back("windows of " + form.lstWWCals.Text());
-  };
-  Open(
-      [](frmWeather& form) {
-        form.cmdExport.UserClick();
-        form.cmdImport.UserClick();
-        form.cmdImportWeather.UserClick();
-        form.tabs.UserPickTab(1);
-        form.cmdImportWW.UserClick();
-      },
-      seams);
-  EXPECT_THAT(ran, ElementsAre("export", "all", "events of GALES", "windows of ICE"));
-}
-
-TEST_F(Shell, AButtonThatWasGivenNothingDoesNothing) {
-  Open([this](frmWeather& form) {
-    form.cmdExport.UserClick();
-    form.cmdImport.UserClick();
-    EXPECT_THAT(Errors(), IsEmpty());
-    EXPECT_THAT(Messages(), IsEmpty());
-  });
-}
-
 TEST_F(Shell, TheTabKeyGoesThroughThePageFromTopToBottom) {
   AddWeather();
   Open([](frmWeather& form) {

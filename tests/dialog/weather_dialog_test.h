@@ -88,13 +88,13 @@ class DialogDesk {
 
   /// Opens a fresh dialog, works it and, unless it was closed by that, leaves it by the window's
   /// own button.
-  void Open(const std::function<void(frmWeather&)>& hands, WeatherSeams seams = {}) {
+  void Open(const std::function<void(frmWeather&)>& hands) {
     desktop_.OnNextForm([this, hands](toolkit::Form& form) {
       events_.lines.clear();
       hands(static_cast<frmWeather&>(form));
       form.UserClose();
     });
-    ShowWeatherDialog(desktop_, std::move(seams));
+    ShowWeatherDialog(desktop_);
   }
 
   /// What the user does on the next small dialog.

@@ -4,7 +4,6 @@
 #include <memory>
 #include <utility>
 
-#include "dialog/exchange_buttons.h"
 #include "dialog/frm_weather.h"
 #include "engine/objects/host.h"
 #include "host/cls_nimbrel.h"
@@ -117,9 +116,7 @@ void PlayOnPlan(const std::string& plan, std::vector<Gesture> script, Hands& han
     const QuietServices services(player, plan + ".shown.xlsx");
     host::Seams seams;
     seams.message_box = &player;
-    seams.ShowWeatherDialog = [&player] {
-      dialog::ShowWeatherDialog(player, dialog::WorkbookButtons());
-    };
+    seams.ShowWeatherDialog = [&player] { dialog::ShowWeatherDialog(player); };
     const auto entry = platform::MakeRef<host::clsNimbrel>(std::move(seams));
     player.Play([&] {
       if (open) {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "desktop/mod_tool_box.h"
-#include "dialog/exchange_buttons.h"
+#include "dialog/choose_sheet.h"
 #include "exchange/mod_excel.h"
 #include "exchange/mod_import_export.h"
 
