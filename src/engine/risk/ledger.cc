@@ -35,9 +35,8 @@ Ledger::Ledger(const RunLayout& layout, const Scheduler& scheduler)
     return std::find_if(layout.calendars.begin(), layout.calendars.end(),
                         [index](const WeatherCalendar& c) { return c.index == index; });
   };
-  for (TaskIndex task = 0; task < network.task_count; ++task) {
-    const Slot slot = network.slot_of[static_cast<std::size_t>(task)];
-    if (!network.IsOpen(slot) || network.nodes[static_cast<std::size_t>(slot)].is_milestone) {
+  for (Slot slot = 0; slot < network.open_count; ++slot) {
+    if (network.nodes[static_cast<std::size_t>(slot)].is_milestone) {
       continue;
     }
     const std::uint16_t number = network.facts[static_cast<std::size_t>(slot)].table;
@@ -54,9 +53,10 @@ Ledger::Ledger(const RunLayout& layout, const Scheduler& scheduler)
       const bool is_weather = weather_of(calendars.front()) != layout.calendars.end();
       table.own = is_weather ? network.calendars[own].open() : network.calendars[own].worked();
     }
-    tables_[known->second].tasks.push_back(task);
+    if (!tables_[known->second].calendars.empty()) {
+      entries_.push_back({slot, static_cast<std::uint32_t>(known->second)});
+    }
   }
-  std::erase_if(tables_, [](const Table& table) { return table.calendars.empty(); });
   for (std::size_t i = 0; i < tables_.size(); ++i) {
     for (const std::size_t calendar : tables_[i].calendars) {
       tables_of_[calendar].push_back(i);
@@ -74,26 +74,31 @@ void Ledger::Add(const Scheduler& scheduler, const LostDays& lost,
   if (first > last) {
     return;
   }
-  for (const TaskIndex task : driving) {
-    is_driving_[static_cast<std::size_t>(task)] = true;
-  }
+  Network& network = scheduler.network();
+  const auto mark_driving = [&](bool is_driving) {
+    for (const TaskIndex task : driving) {
+      const Slot slot = network.slot_of[static_cast<std::size_t>(task)];
+      is_driving_[static_cast<std::size_t>(slot)] = is_driving;
+    }
+  };
+  mark_driving(true);
   for (Table& table : tables_) {
     for (std::int32_t word = first; word <= last; ++word) {
       table.under_way.Word(word) = 0;
       table.driving.Word(word) = 0;
     }
-    for (const TaskIndex task : table.tasks) {
-      const std::int32_t from = FirstDayUnderWay(scheduler, task);
-      const std::int32_t to = scheduler.early_finish(task).day();
-      AddDays(table.under_way, from, to, first, last);
-      if (is_driving_[static_cast<std::size_t>(task)]) {
-        AddDays(table.driving, from, to, first, last);
-      }
+  }
+  for (const Entry& entry : entries_) {
+    Table& table = tables_[entry.table];
+    const std::int32_t from = FirstDayUnderWay(network, entry.slot);
+    const std::int32_t finish = network.early[static_cast<std::size_t>(FinishOf(entry.slot))];
+    const std::int32_t to = Instant::FromPacked(finish).day();
+    AddDays(table.under_way, from, to, first, last);
+    if (is_driving_[static_cast<std::size_t>(entry.slot)]) {
+      AddDays(table.driving, from, to, first, last);
     }
   }
-  for (const TaskIndex task : driving) {
-    is_driving_[static_cast<std::size_t>(task)] = false;
-  }
+  mark_driving(false);
   for (std::size_t calendar = 0; calendar < sums.size(); ++calendar) {
     LedgerResult& sum = sums[calendar];
     for (std::int32_t word = first; word <= last; ++word) {

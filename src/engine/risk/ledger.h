@@ -9,6 +9,7 @@
 #include "engine/results/run_result.h"
 #include "engine/risk/lost_days.h"
 #include "engine/risk/run_layout.h"
+#include "engine/schedule/network.h"
 #include "engine/schedule/scheduler.h"
 
 namespace nimbrel::engine {
@@ -40,15 +41,21 @@ class Ledger {
   struct Table {
     DayBits own;                         // days that they work by their own calendar
     std::vector<std::size_t> calendars;  // weather calendars, as in the layout
-    std::vector<TaskIndex> tasks;
-    DayBits under_way;  // days on which a task is, in the current iteration
-    DayBits driving;    // days on which one that drives the finish is
+    DayBits under_way;                   // days on which a task is, in the current iteration
+    DayBits driving;                     // days on which one that drives the finish is
+  };
+
+  /// A task of a table.
+  struct Entry {
+    Slot slot = 0;
+    std::uint32_t table = 0;
   };
 
   std::vector<Table> tables_;
+  std::vector<Entry> entries_;  // in the order of the passes, so that memory is read in its order
   std::vector<std::vector<std::size_t>> tables_of_;  // by calendar
   std::vector<DayBits> ever_worked_;  // by calendar: days that one of its tasks works
-  std::vector<bool> is_driving_;      // by TaskIndex; all false between calls
+  std::vector<bool> is_driving_;      // by slot; all false between calls
 };
 
 }  // namespace nimbrel::engine

@@ -79,20 +79,33 @@ std::vector<TaskIndex> ScheduleTelling::OneDrivingPath(const Scheduler& schedule
 Instant ReadyMoment(const Scheduler& scheduler, TaskIndex task) {
   Network& network = scheduler.network();
   const Slot slot = network.slot_of[static_cast<std::size_t>(task)];
-  if (!network.IsOpen(slot)) {
-    return {};
-  }
+  return network.IsOpen(slot) ? ReadyMoment(network, slot) : Instant();
+}
+
+std::int32_t FirstDayUnderWay(const Scheduler& scheduler, TaskIndex task) {
+  Network& network = scheduler.network();
+  return FirstDayUnderWay(network, network.slot_of[static_cast<std::size_t>(task)]);
+}
+
+Instant ReadyMoment(Network& network, Slot slot) {
   const Node& node = network.nodes[static_cast<std::size_t>(slot)];
+  const std::int32_t* const early = network.early.data();
+  const Instant start = Instant::FromPacked(early[StartOf(slot)]);
   std::int32_t bound = node.floor;
+  if (!node.is_general) {
+    const std::int32_t end = network.nodes[static_cast<std::size_t>(slot) + 1].first_ref;
+    for (std::int32_t ref = node.first_ref; ref < end; ++ref) {
+      bound = std::max(bound, early[network.start_refs[static_cast<std::size_t>(ref)]]);
+    }
+    return Instant::FromPacked(std::min(bound, start.packed()));
+  }
   std::int32_t finish_bound = network.finish_floor[static_cast<std::size_t>(slot)];
   if (!node.is_mandatory) {
     for (const InLink& link : network.in_links[slot]) {
       std::int32_t& held = link.to_finish ? finish_bound : bound;
-      held = std::max(
-          held, LagEnd(network, network.early[static_cast<std::size_t>(link.date)], link.lag));
+      held = std::max(held, LagEnd(network, early[link.date], link.lag));
     }
   }
-  const Instant start = Instant::FromPacked(network.early[static_cast<std::size_t>(StartOf(slot))]);
   const Instant ready = Instant::FromPacked(bound);
   if (bound == kNoFloor || start < ready) {
     return start;
@@ -104,10 +117,10 @@ Instant ReadyMoment(const Scheduler& scheduler, TaskIndex task) {
   return is_held_at_finish ? start : ready;
 }
 
-std::int32_t FirstDayUnderWay(const Scheduler& scheduler, TaskIndex task) {
-  const Instant ready = ReadyMoment(scheduler, task);
-  const Network& network = scheduler.network();
-  const CalendarIndex own = CalendarsOf(scheduler, task).front();
+std::int32_t FirstDayUnderWay(Network& network, Slot slot) {
+  const Instant ready = ReadyMoment(network, slot);
+  const std::uint16_t table = network.facts[static_cast<std::size_t>(slot)].table;
+  const CalendarIndex own = network.table_calendars[table].front();
   const WorkCalendar& calendar = network.calendars[static_cast<std::size_t>(own)];
   if (!calendar.open().Test(ready.day())) {
     return ready.day();

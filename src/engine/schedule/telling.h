@@ -34,6 +34,10 @@ Instant ReadyMoment(const Scheduler& scheduler, TaskIndex task);
 /// the day after where no hours of its own calendar are left by then.
 std::int32_t FirstDayUnderWay(const Scheduler& scheduler, TaskIndex task);
 
+/// The same for a slot of an unfinished task.
+Instant ReadyMoment(Network& network, Slot slot);
+std::int32_t FirstDayUnderWay(Network& network, Slot slot);
+
 /// A task's primary constraint as it stands.
 const Constraint& ConstraintOf(const Scheduler& scheduler, TaskIndex task);
 
