@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <set>
+#include <string_view>
 
 #include "engine/calendar/instant.h"
 #include "nimbrel/command_error.h"
@@ -46,16 +47,26 @@ class UniqueKeys {
 }  // namespace
 
 Json ParseJsonDocument(const std::string& text, const std::string& file) {
+  const auto fault = [&](std::size_t at, const std::string& expected, const std::string& found) {
+    const auto row =
+        1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+    return BadInput(fmt::format("{}:{}: expected {}, found {}", file, row, expected, found));
+  };
   try {
     UniqueKeys unique(file);
     return Json::parse(text, std::ref(unique));
   } catch (const Json::parse_error& error) {
     const std::size_t at = std::min(error.byte > 0 ? error.byte - 1 : 0, text.size());
-    const auto row =
-        1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
-    throw BadInput(fmt::format(
-        "{}:{}: expected JSON, found {}", file, row,
-        at >= text.size() ? std::string("the end of the file") : QuotedText(text.substr(at, 20))));
+    throw fault(
+        at, "JSON",
+        at >= text.size() ? std::string("the end of the file") : QuotedText(text.substr(at, 20)));
+  } catch (const Json::out_of_range& error) {
+    // A number beyond what can be held; the library gives its text in quotes, and no place.
+    const std::string_view what = error.what();
+    const std::size_t first = std::min(what.find('\''), what.size() - 1) + 1;
+    const std::string number(what.substr(first, what.rfind('\'') - first));
+    throw fault(std::min(text.find(number), text.size()), "a number that is not so large",
+                QuotedText(number));
   }
 }
 

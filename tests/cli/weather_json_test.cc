@@ -154,6 +154,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         BadText{"Nothing", "", "w.json:1: expected JSON, found the end of the file"},
         BadText{"NoJson", "{\n\"events\": [,]}", "w.json:2: expected JSON, found \",]}\""},
+        BadText{"TooLargeANumber", "{\n\"a\": 5e2026}",
+                "w.json:2: expected a number that is not so large, found \"5e2026\""},
         BadText{"CutOff", "{\"events\": [\n", "w.json:2: expected JSON, found the end of the file"},
         BadText{"NoUtf8", "{\"\xff\": 1}", "w.json:1: expected JSON"},
         BadText{"KeyTwice", R"({"events": [], "events": []})",
