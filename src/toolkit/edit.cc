@@ -40,6 +40,14 @@ int KeyCodeOf(std::string_view character) {
   return is_its_code || byte == ' ' ? byte : kCharacterKey;
 }
 
+/// Whether no key types it into a box of one line: a line break, a tab, and their like.
+bool IsControlCharacter(std::string_view character) {
+  const auto first = static_cast<unsigned char>(character.front());
+  const bool is_c1 =
+      character.size() == 2 && first == 0xC2 && static_cast<unsigned char>(character.back()) < 0xA0;
+  return first < 0x20 || first == 0x7F || is_c1;
+}
+
 void CheckNotNegative(std::int32_t value) {
   if (value < 0) {
     throw platform::RuntimeError(kInvalidPropertyValue,
@@ -142,7 +150,11 @@ bool EditControl::OnKey(Key key) {
 }
 
 GestureResult EditControl::UserType(const std::string& text) {
-  GestureResult result = UserSelect(0, CharacterCount(text_));
+  // Two gestures, as a hand makes them: an error in what has the focus ends the first alone.
+  GestureResult result = UserFocus();
+  if (result.made() && HasFocus()) {
+    result = UserSelect(0, CharacterCount(text_));
+  }
   if (!result.made() || !HasFocus()) {
     return result;
   }
@@ -154,8 +166,11 @@ GestureResult EditControl::UserType(const std::string& text) {
     while (end < text.size() && !StartsCharacter(text[end])) {
       ++end;
     }
-    result = UserTypeCharacter(text.substr(at, end - at));
+    const std::string character = text.substr(at, end - at);
     at = end;
+    if (!IsControlCharacter(character)) {
+      result = UserTypeCharacter(character);
+    }
   }
   return result;
 }

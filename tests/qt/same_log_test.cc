@@ -78,6 +78,20 @@ INSTANTIATE_TEST_SUITE_P(
               "type txtDate \"error\"\ntype txtDescr \"y\"\nshow txtDescr.Text\n"
               "type txtDate \"error\"\nrow lstRows 2\nshow lstRows.SelectedItem\n"
               "type txtDate \"error\"\nleave\nshow focus\n"},
+        Story{"TypingOverATextAfterAnErrorInValidate",
+              "type txtDescr \"old\"\ntype txtDate \"error\"\ntype txtDescr \"new\"\n"
+              "show txtDescr.Text\n"},
+        Story{"AClickOnABoxLeavesTheCaretAlone",
+              "type txtDescr \"storm\"\nclick txtDescr\nkey txtDescr Delete\nshow txtDescr.Text\n"
+              "key txtDescr Space\nshow txtDescr.Text\nrow lstRows 2\nclick txtDate\n"
+              "key txtDate Delete\nshow txtDate.Text\ntab 1\npick cbCals 1\nclick cbCals\n"
+              "key cbCals Delete\nshow cbCals.Text\n"},
+        Story{"CharactersThatNoKeyTypesIntoALine",
+              "type txtDescr \"a\\nb\\r\tc\"\nshow txtDescr.Text\n"},
+        Story{"KeysOnTabsThatLackTheFocus",
+              "click chkOn\nclick chkOn\nkey tabs Tab\nshow focus\nclick chkOn\nclick chkOn\n"
+              "key tabs Space\nshow focus\ntype txtDate \"bad\"\nkey tabs Escape\nkey tabs Tab\n"
+              "show focus\n"},
         Story{"ClosedWhileABoxRefuses", "type txtDate \"bad\"\nclose\nshow form\n"},
         Story{
             "Lists",

@@ -44,6 +44,16 @@ class FocusTest : public ToolkitTest {
   Label label_{form_, "Label1", "A text"};
 };
 
+TEST_F(FocusTest, TypingReplacesTheTextEvenWhenTheOtherBoxFailsOnBeingLeft) {
+  other_.SetText("old");
+  box_.Validate = [](bool&) { throw platform::RuntimeError(13, "Type mismatch"); };
+  WhileOpen([&] {
+    box_.UserFocus();
+    other_.UserType("new");
+  });
+  EXPECT_EQ(other_.Text(), "new");
+}
+
 TEST_F(FocusTest, ValidateComesBeforeTheClickOfWhatTakesTheFocus) {
   WithInBox("good", [&] { button_.UserClick(); });
   EXPECT_EQ(log(), (Lines{"txtBox Validate", "cmd Click"}));

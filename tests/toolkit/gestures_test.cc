@@ -46,6 +46,11 @@ TEST_F(GesturesTest, TypingEndsWhenAHandlerDisablesTheBox) {
   EXPECT_EQ(box_.Text(), "a");
 }
 
+TEST_F(GesturesTest, CharactersThatNoKeyTypesIntoALineAreLeftOut) {
+  WhileOpen([&] { box_.UserType("a\nb\r\t\x7F\u0085c"); });
+  EXPECT_EQ(box_.Text(), "abc");
+}
+
 TEST_F(GesturesTest, ReplacingTheTextRaisesOneChangeAndNoKey) {
   box_.KeyDown = [](int) {};
   box_.Change = Heard();

@@ -18,8 +18,7 @@ namespace {
 QString TypedText(const QKeyEvent& event) {
   const QString text = event.text();
   const bool is_command = (event.modifiers() & ~Qt::ShiftModifier) == Qt::ControlModifier;
-  const bool is_character =
-      !text.isEmpty() && (text.front().isPrint() || text.front().isSurrogate());
+  const bool is_character = !text.isEmpty() && text.front().category() != QChar::Other_Control;
   return is_character && !is_command ? text : QString();
 }
 

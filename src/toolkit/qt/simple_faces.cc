@@ -199,15 +199,14 @@ class TabStripFace final : public ContainerFace {
  protected:
   void Paint(const Changes& /*changes*/) override { widget_.setCurrentIndex(strip_.Tab()); }
 
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    // Keys that no control on a page wants arrive at the widget around it.
+    return event->type() == QEvent::KeyPress && watched == &widget_
+               ? TurnsPages(static_cast<QKeyEvent&>(*event))
+               : ControlFace::eventFilter(watched, event);
+  }
   bool OnKeyPress(QKeyEvent& event) override {
-    const bool is_tab = event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab;
-    if (!is_tab || (event.modifiers() & Qt::ControlModifier) == 0) {
-      return bar().hasFocus() && ControlFace::OnKeyPress(event);
-    }
-    const bool back = event.key() == Qt::Key_Backtab;
-    const std::int32_t step = back ? strip_.Tabs() - 1 : 1;
-    Make([&] { strip_.UserPickTab((strip_.Tab() + step) % strip_.Tabs()); });
-    return true;
+    return TurnsPages(event) || ControlFace::OnKeyPress(event);
   }
   bool OnMousePress(QWidget& widget, QMouseEvent& event) override {
     const int index = &widget == &bar() ? bar().tabAt(event.pos()) : -1;
@@ -222,6 +221,18 @@ class TabStripFace final : public ContainerFace {
 
  private:
   QTabBar& bar() const { return *widget_.tabBar(); }
+
+  /// Ctrl and Tab show the next page or, with Shift, the one before.
+  bool TurnsPages(const QKeyEvent& event) {
+    const bool is_tab = event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab;
+    if (!is_tab || (event.modifiers() & Qt::ControlModifier) == 0) {
+      return false;
+    }
+    const bool back = event.key() == Qt::Key_Backtab;
+    const std::int32_t step = back ? strip_.Tabs() - 1 : 1;
+    Make([&] { strip_.UserPickTab((strip_.Tab() + step) % strip_.Tabs()); });
+    return true;
+  }
 
   TabStrip& strip_;
   QTabWidget& widget_;

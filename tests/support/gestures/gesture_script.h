@@ -54,11 +54,13 @@ class ScriptError : public std::runtime_error {
 /// Reads a script: one gesture a line, "#" starts a comment outside quotes, blank lines mean
 /// nothing, and lines may end with "\r\n".
 ///
-///     type BOX "text"        leave                key CONTROL
-///     Enter|Escape|Tab|Up|Down|Space|Delete click CONTROL          pick LIST "entry"    pick LIST
-///     2 row LIST 2             header LIST 3        dblclick LIST 2 check LIST "text" on   tab 2
-///     node TREE "text" close                  answer Yes|No|OK     file "path" file cancel show
-///     NAME            show NAME.Property show focus             show form
+/// - `type BOX "text"`, `leave`,
+/// - `key CONTROL KEY`, the key being Enter, Escape, Tab, Up, Down, Space or Delete,
+/// - `click CONTROL`, `pick LIST "entry"` or `pick LIST 2`,
+/// - `row LIST 2`, `header LIST 3`, `dblclick LIST 2`, `check LIST "text" on` or `off`,
+/// - `tab 2`, `node TREE "text"`, `close`,
+/// - `answer Yes`, `No` or `OK`, `file "path"` or `file cancel`,
+/// - `show NAME`, `show NAME.Property`, `show focus`, `show form`.
 ///
 /// Texts have the escapes \" \\ \r \n. Raises ScriptError for the first line that is none of these;
 /// `name` is the script's name in its text.

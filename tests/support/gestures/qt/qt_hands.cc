@@ -209,7 +209,16 @@ GestureResult QtHands::Click(Control& control) {
   QWidget& widget = control.Kind() == ControlKind::kTabStrip
                         ? *Window(control.OwnerForm()).FocusWidgetOf(control)
                         : WidgetOf(control);
+  auto* const box = dynamic_cast<EditControl*>(&control);
+  const std::string text = box != nullptr ? box->Text() : std::string();
+  const std::int32_t start = box != nullptr ? box->SelStart() : 0;
+  const std::int32_t length = box != nullptr ? box->SelLength() : 0;
   ClickAt(control.OwnerForm(), widget, PlaceOf(widget));
+  if (box != nullptr && box->HasFocus()) {
+    // The mouse puts the caret where it points; a click on a box as such leaves it alone.
+    const bool is_same = box->Text() == text;
+    box->UserSelect(is_same ? start : 0, is_same ? length : 0);
+  }
   return Made();
 }
 
