@@ -1,7 +1,9 @@
 #include "desk/opened_file.h"
 
 #include <array>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 #include <utility>
 
 namespace nimbrel::desk {
@@ -27,8 +29,8 @@ std::optional<std::uint64_t> ContentOf(const std::string& path) {
 OpenedFile::OpenedFile(std::string path) : path_(std::move(path)), content_(ContentOf(path_)) {}
 
 bool OpenedFile::HasChanged() const {
-  const std::optional<std::uint64_t> now = ContentOf(path_);
-  return now.has_value() && now != content_;
+  std::error_code error;
+  return std::filesystem::exists(path_, error) && ContentOf(path_) != content_;
 }
 
 }  // namespace nimbrel::desk

@@ -13,8 +13,8 @@ class OpenedFile {
   explicit OpenedFile(std::string path);
 
   const std::string& path() const { return path_; }
-  /// Whether the file has other bytes now. A file that is gone or cannot be read has not changed:
-  /// there is nothing of another's in it to be overwritten.
+  /// Whether the file has other bytes now, or can no longer be read. A file that is gone has not
+  /// changed: there is nothing of another's in it to be overwritten.
   bool HasChanged() const;
 
  private:
