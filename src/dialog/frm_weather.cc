@@ -95,6 +95,7 @@ void frmWeather::NameForReaders() {
   for (const auto& [control, label] : labels) {
     control->SetAccessibleName(label->Caption());
   }
+  tabs.SetAccessibleName("Weather data");
   lstWeather.SetAccessibleName("Periods of the calendar");
   lstWW.SetAccessibleName("Windows of the calendar");
   txtFind.SetAccessibleName("Text to find");

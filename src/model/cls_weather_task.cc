@@ -100,7 +100,8 @@ void clsWeatherTask::UpdateTask() {
   m_task->put_ID(m_strTaskID);
   m_task->put_Description(m_strTaskDesc.ToText(Locale()));
   m_task->get_UserFields()->SetCustom("Weather-start", NormalisePlanDate(m_dtStart));
-  m_task->get_UserFields()->SetCustom("Weather-end", StoredEnd(m_dtEnd));
+  const platform::Date dtStoredEnd = StoredEnd(m_dtEnd);
+  m_task->get_UserFields()->SetCustom("Weather-end", dtStoredEnd);
   if (m_dOccur != 1.0) {
     m_task->Risk(-1)->put_Probability(m_dOccur * kPercent);
   } else {

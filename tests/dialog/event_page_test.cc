@@ -50,6 +50,17 @@ TEST_F(EventPageOnHost, ANewCalendarGetsOnePeriodAMonth) {
   EXPECT_EQ(document().FindRiskCalendar("GALES")->description, "Weather calendar");
 }
 
+TEST_F(EventPageOnHost, APeriodWithoutDatesIsShownOnDayZero) {
+  MakeCalendar("1 Jan 2027", "2 Jan 2027", [](frmWeather& form) {
+    form.m_oStorage.AddEventTask(
+        modGlobal::Application()->get_ActivePlan()->get_Calendars()->Item("GALES"));
+    form.m_oStorage.LoadEventCalendars();
+    form.lstWeatherCals.UserPick(0);
+    EXPECT_THAT(ColumnOf(form.lstWeather, 3), ElementsAre("01/Jan/2027", "30/Dec/1899"));
+    EXPECT_THAT(ColumnOf(form.lstWeather, 4), ElementsAre("31/Jan/2027", "30/Dec/1899"));
+  });
+}
+
 TEST_F(EventPageOnHost, ASpanOfADayGetsAWholeMonth) {
   MakeCalendar("1 Jan 2027", "2 Jan 2027", [](frmWeather& form) {
     EXPECT_THAT(ColumnOf(form.lstWeather, 3), ElementsAre("01/Jan/2027"));

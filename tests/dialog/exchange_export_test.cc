@@ -33,6 +33,13 @@ class ExportButton : public ExchangeButtonsTest {
   }
 };
 
+TEST_F(ExportButton, GoesOnWithoutAWordWhereTheProgressToolIsMissing) {
+  Export();  // nothing that is executed is found on this desktop
+  EXPECT_THAT(Shell(), ::testing::Contains("Desktop.ShellExecute \"/opt/corvane\\Progress.exe\""));
+  EXPECT_THAT(desktop_.messages, IsEmpty());
+  EXPECT_EQ(Shell().back(), "Settings.Save \"Running\" \"0\"");
+}
+
 TEST_F(ExportButton, MakesAWorkbookOfOneSheetACalendarStepByStep) {
   const std::string handle = std::to_string(host_.application()->get_hWnd());
   Export();

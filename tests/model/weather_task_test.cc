@@ -112,7 +112,7 @@ TEST_F(WeatherTaskTest, WritesInAFixedOrder) {
       recorder().Containing({"(P)", "TimeUnit", "DateFormat"}),
       ElementsAre(R"(Task(P).ID = "P")", R"(Task(P).Description = "January")", "Task(P).UserFields",
                   "PlanDisplay.DateFormat", R"(UserFields(P).SetCustom "Weather-start" 2027-01-05)",
-                  "Task(P).UserFields", "PlanProperties.TimeUnit", "PlanDisplay.DateFormat",
+                  "PlanProperties.TimeUnit", "PlanDisplay.DateFormat", "Task(P).UserFields",
                   R"(UserFields(P).SetCustom "Weather-end" 2027-01-31)", "Task(P).Risk -1",
                   "TaskRisk(P).Probability = 50", "Task(P).Duration -1", "PlanProperties.TimeUnit",
                   "Duration(P).Minimum = 2", "PlanProperties.TimeUnit", "Duration(P).Likely = 4",
