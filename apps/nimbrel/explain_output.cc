@@ -53,6 +53,19 @@ std::string CalendarName(const Plan& plan, engine::Uid calendar) {
   return found == nullptr ? "" : found->name;
 }
 
+/// What the user called it. A window's name is that of its opening edge, which the closing one
+/// follows.
+std::string DescriptionOf(const Plan& plan, const Task& task, bool is_window) {
+  if (is_window) {
+    const auto link = std::find_if(plan.links.begin(), plan.links.end(),
+                                   [&task](const auto& l) { return l.successor == task.uid; });
+    if (link != plan.links.end()) {
+      return TaskOf(plan, link->predecessor).description;
+    }
+  }
+  return task.description;
+}
+
 /// Windows are told where their closing edge stands: the days are taken when both are known.
 std::vector<WeatherOutcome> OutcomesOf(const Plan& plan, const IterationStory& story) {
   const double days_a_unit = plan.MinutesPerUnit() / (plan.hours_per_day * 60.0);
@@ -66,13 +79,7 @@ std::vector<WeatherOutcome> OutcomesOf(const Plan& plan, const IterationStory& s
     WeatherOutcome outcome;
     outcome.calendar = CalendarName(plan, task.calendar);
     outcome.is_window = role == "4";
-    outcome.description = task.description;
-    if (outcome.is_window && outcome.description.empty()) {
-      const auto link = std::find_if(plan.links.begin(), plan.links.end(),
-                                     [&task](const auto& l) { return l.successor == task.uid; });
-      outcome.description =
-          link == plan.links.end() ? "" : TaskOf(plan, link->predecessor).description;
-    }
+    outcome.description = DescriptionOf(plan, task, outcome.is_window);
     outcome.occurred = draw.occurred;
     outcome.length_days = draw.units * days_a_unit;
     outcome.taken = draw.taken;

@@ -66,6 +66,21 @@ TEST_F(ExplainTest, TellsPeriodsAndWhatTheyHeldUp) {
   }
 }
 
+TEST_F(ExplainTest, CallsWindowsWhatTheUserCallsThem) {
+  const std::string plan = ChainPlan();
+  Output({"weather", "set", plan, Write("ice.json", R"({
+    "events": [], "assign": [],
+    "windows": [ { "calendar": "ICE", "windows": [
+      { "description": "First winter", "start": ["2027-03-03", "2027-03-03", "2027-03-03"],
+        "finish": ["2027-03-05", "2027-03-05", "2027-03-05"] },
+      { "description": "Second winter", "start": ["2027-12-03", "2027-12-03", "2027-12-03"],
+        "finish": ["2027-12-05", "2027-12-05", "2027-12-05"] } ] } ] })")});
+  const Json story = Story({plan, "--iteration", "1"});
+  ASSERT_EQ(story["windows"].size(), 2U);
+  EXPECT_EQ(story["windows"][0]["description"], "First winter");
+  EXPECT_EQ(story["windows"][1]["description"], "Second winter");
+}
+
 TEST_F(ExplainTest, RefusesIterationsAndPercentilesThatAreNone) {
   const std::string plan = WeatherPlan();
   ExpectFailure({"explain", plan, "--iteration", "1001"}, 2,
