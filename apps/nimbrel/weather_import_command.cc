@@ -112,6 +112,10 @@ std::string FullPath(const Options& options) {
 }
 
 void RequireReadable(const std::string& path) {
+  std::error_code error;
+  if (std::filesystem::is_fifo(path, error) || std::filesystem::is_socket(path, error)) {
+    throw FileTrouble(path + ": cannot be read: it is a pipe, which would be waited for");
+  }
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   file.peek();

@@ -297,6 +297,12 @@ TEST_F(WeatherWorkbookTest, AMissingFileIsTrouble) {
                 Path("none.xlsx") + ": cannot be read: No such file or directory");
 }
 
+TEST_F(WeatherWorkbookTest, APipeIsNotWaitedFor) {
+  const std::string plan = WeatherPlan();
+  ASSERT_EQ(::mkfifo(Path("w.xlsx").c_str(), 0600), 0);
+  ExpectFailure({"weather", "import", plan, Path("w.xlsx"), "--replace"}, 3, "it is a pipe");
+}
+
 TEST_F(WeatherWorkbookTest, NoNameOfAWorkbookMeansThatNothingWasChosen) {
   // The dialog takes "False" for a cancelled choice.
   AddSheet("STORM", "Weather-Events", {Period("a", {2027, 1, 1}, {2027, 1, 31})});
