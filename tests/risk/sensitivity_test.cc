@@ -126,7 +126,8 @@ TEST(Drives, FollowTheirFormulas) {
   WeatherPlan plan(TimeUnit::kDays, 24);
   plan.AddTask("B", {120, 150, 190});
   const RunResult run = engine::Run(plan.plan, {.iterations = 300}, WithoutAddIn());
-  const TaskDrive& drive = MakeRunDocument(plan.plan, {.run = run}).sensitivities[0].tasks[0];
+  const auto document = MakeRunDocument(plan.plan, {.run = run});
+  const TaskDrive& drive = document.sensitivities[0].tasks[0];
   EXPECT_EQ(drive.criticality, 1);
   EXPECT_EQ(drive.cruciality, std::abs(run.tasks[0].sensitivity));
   EXPECT_NEAR(run.tasks[0].elapsed_sd_days, run.finish.sd_days, 1e-9);
