@@ -100,7 +100,9 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"import", "a.xer", "--time-unit", "weeks"},
                 "expected days or hours or quarters, found \"weeks\""},
         BadLine{{"schedule", "a.xer", "--json", "--csv"}, "excludes"},
-        BadLine{{"weather"}, "nimbrel: weather: expected one of set, show, export, import, clear, found nothing"},
+        BadLine{
+            {"weather"},
+            "nimbrel: weather: expected one of set, show, export, import, clear, found nothing"},
         BadLine{{"weather", "rain"}, "found \"rain\""},
         BadLine{{"weather", "set", "a.nplan"}, "WEATHER.json is required"},
         BadLine{{"ranges", "a.nplan"}, "--default"},

@@ -100,9 +100,9 @@ struct RunResult {
   bool latin_hypercube = false;       // likewise
   UntilResult until;
   bool stopped = false;  // by the caller; the result tells of the iterations done
-  /// The iterations done, counted from 1, ascending: all of them, or the first ones where an interval
-  /// was wished for and met; of a stopped run possibly with gaps, where there was more than one
-  /// worker.
+  /// The iterations done, counted from 1, ascending: all of them, or the first ones where an
+  /// interval was wished for and met; of a stopped run possibly with gaps, where there was more
+  /// than one worker.
   std::vector<std::int32_t> iteration_numbers;
 
   Instant deterministic_finish;         // of one scheduling on likely durations, without weather
