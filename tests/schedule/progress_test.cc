@@ -150,6 +150,20 @@ TEST_F(Progress, AnExpectedFinishThatHasPassedLeavesWhatRemains) {
   EXPECT_EQ(Scheduled(small).Early("A"), "2027-03-08T08:00 to 2027-03-09T17:00");
 }
 
+TEST_F(Progress, WhatAnExpectedFinishSetIsKeptWhereALinkHoldsTheFinishBehindIt) {
+  // B could start behind A on Tuesday the 9th and is expected to end on Wednesday: two days. It is
+  // C that makes it end on Friday the 19th, and A, as late as possible, then moves up to it.
+  small.Add("A", 1).constraint.type = ConstraintType::kAsLateAsPossible;
+  small.Add("B", 5).expected_finish = {kMonday + 9, 1020};
+  small.Add("C", 10);
+  small.Join("A", "B");
+  small.Join("C", "B", LinkType::kFinishToFinish);
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-18T08:00 to 2027-03-19T17:00");
+  EXPECT_EQ(scheduled.Early("A"), "2027-03-17T08:00 to 2027-03-17T17:00");
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
 TEST_F(Progress, ARangeGoesBeforeAnExpectedFinish) {
   Task& task = AddStarted("A", 2);
   task.expected_finish = {kMonday + 11, 1020};

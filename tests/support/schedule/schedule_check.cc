@@ -78,7 +78,8 @@ class Checker {
     if (task.expected_finish.IsAbsent() || task.range || remaining == 0) {
       return remaining;
     }
-    if (IsMovedLate(task)) {  // what remains was found where the task stood before
+    // What remains was found where the task and its predecessors stood before any was moved late.
+    if (IsMovedLate(task) || FollowsMovedLate(task)) {
       return calendars_->OfTask(task).WorkBetween(EarlyStart(task), EarlyFinish(task));
     }
     std::int64_t start = std::numeric_limits<std::int64_t>::min();
@@ -88,6 +89,12 @@ class Checker {
     const std::int64_t work =
         calendars_->OfTask(task).WorkBetween(start, task.expected_finish.Minutes());
     return work > 0 ? work : remaining;
+  }
+  bool FollowsMovedLate(const Task& task) const {
+    const std::vector<const Link*> links = HoldingLinks(task, true);
+    return std::any_of(links.begin(), links.end(), [this](const Link* link) {
+      return IsMovedLate(*plan_.FindTask(link->predecessor));
+    });
   }
   bool IsOrdinary(const Task& task) const {
     return task.kind != TaskKind::kSummary && task.kind != TaskKind::kLevelOfEffort;
