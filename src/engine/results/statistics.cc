@@ -4,7 +4,10 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <utility>
+
+#include "platform/vector_clones.h"
 
 namespace nimbrel::engine {
 namespace {
@@ -29,44 +32,53 @@ double Deviation(const Sums& sums, std::int64_t count) {
                    (static_cast<double>(count) * static_cast<double>(count - 1)));
 }
 
-/// Sums over the samples' distances in minutes from the least of them.
-Sums SumFrom(Instant least, std::span<const Instant> samples) {
-  Sums sums;
-  // Distances below 2^27 (255 years): the squares of 1,024 of them stay within 64 bits.
-  constexpr std::size_t kChunk = 1024;
-  for (std::size_t begin = 0; begin < samples.size(); begin += kChunk) {
-    std::uint64_t sum = 0;
-    std::uint64_t squares = 0;
-    for (const Instant sample : samples.subspan(begin, std::min(kChunk, samples.size() - begin))) {
-      const auto length = static_cast<std::uint32_t>((sample.day() - least.day()) * kMinutesPerDay +
-                                                     sample.minute() - least.minute());
-      sum += length;
-      squares += std::uint64_t{length} * length;
-    }
-    sums.sum += static_cast<std::int64_t>(sum);
-    sums.squares += squares;
+/// Sums that stay within 64 bits.
+struct ShortSums {
+  std::uint64_t sum = 0;
+  std::uint64_t squares = 0;
+};
+
+// Distances below 2^27 minutes (255 years): the squares of so many of them stay within 64 bits.
+constexpr std::size_t kShortCount = 1024;
+
+/// Sums over the samples' distances in minutes from the least of them, of kShortCount at most.
+NIMBREL_VECTOR_CLONES
+ShortSums SumShort(Instant least, const Instant* samples, std::size_t count) {
+  ShortSums sums;
+  const std::int32_t base = least.day() * kMinutesPerDay + least.minute();
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto length =
+        static_cast<std::uint32_t>(samples[i].day() * kMinutesPerDay + samples[i].minute() - base);
+    sums.sum += length;
+    sums.squares += std::uint64_t{length} * length;
   }
   return sums;
 }
 
-/// The least and the greatest sample, packed.
-std::pair<std::int32_t, std::int32_t> Bounds(std::span<const Instant> samples) {
-  std::int32_t least = samples.front().packed();
-  std::int32_t greatest = least;
-  for (const Instant sample : samples) {
-    least = std::min(least, sample.packed());
-    greatest = std::max(greatest, sample.packed());
+Sums SumFrom(Instant least, std::span<const Instant> samples) {
+  Sums sums;
+  for (std::size_t begin = 0; begin < samples.size(); begin += kShortCount) {
+    const ShortSums part =
+        SumShort(least, samples.data() + begin, std::min(kShortCount, samples.size() - begin));
+    sums.sum += static_cast<std::int64_t>(part.sum);
+    sums.squares += part.squares;
   }
-  return {least, greatest};
+  return sums;
 }
 
-/// As many buckets as make them hold four samples on average, within bounds, as a power of two.
-int BucketBits(std::size_t samples) {
-  int bits = 4;
-  while (bits < 12 && (samples >> (bits + 2)) != 0) {
-    ++bits;
+/// Sums over the differences of the times from start to finish to the first one.
+NIMBREL_VECTOR_CLONES
+ShortSums SumElapsed(const Instant* starts, const Instant* finishes, std::size_t count,
+                     std::int32_t base) {
+  ShortSums sums;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::int32_t above = (finishes[i].day() - starts[i].day()) * kMinutesPerDay +
+                               finishes[i].minute() - starts[i].minute() - base;
+    const auto wide = std::int64_t{above};
+    sums.sum += static_cast<std::uint64_t>(wide);
+    sums.squares += static_cast<std::uint64_t>(wide * wide);
   }
-  return bits;
+  return sums;
 }
 
 double ToDays(std::int64_t minutes) {
@@ -161,63 +173,6 @@ RankInterval QuantileInterval(std::int64_t count, int percent) {
   return {std::max<std::int64_t>(low, 1) - 1, std::min(high, count) - 1};
 }
 
-void DateSummarizer::Select(std::span<const Instant> samples, std::span<const std::int64_t> ranks,
-                            std::span<Instant> values) {
-  const auto [least, greatest] = Bounds(samples);
-  const auto width = static_cast<std::uint32_t>(greatest - least);
-  const int bits = BucketBits(samples.size());
-  int shift = 0;
-  while ((width >> shift) >> bits != 0) {
-    ++shift;
-  }
-  // Count the samples by bucket; then only the buckets in which a rank falls need to be looked at.
-  const auto bucket_of = [least = least, shift](Instant sample) {
-    return static_cast<std::size_t>(static_cast<std::uint32_t>(sample.packed() - least) >> shift);
-  };
-  buckets_.assign(std::size_t{1} << bits, {});
-  for (const Instant sample : samples) {
-    ++buckets_[bucket_of(sample)].count;
-  }
-  kept_.resize(samples.size());
-  std::int32_t before = 0;  // samples in the buckets in front
-  std::int32_t kept = 0;
-  std::size_t next = 0;  // rank to be found
-  for (Bucket& bucket : buckets_) {
-    if (next < ranks.size() && ranks[next] < before + bucket.count) {
-      bucket.place = kept;
-      bucket.before = before;
-      kept += bucket.count;
-      while (next < ranks.size() && ranks[next] < before + bucket.count) {
-        ++next;
-      }
-    }
-    before += bucket.count;
-  }
-  for (const Instant sample : samples) {
-    Bucket& bucket = buckets_[bucket_of(sample)];
-    if (bucket.place >= 0) {
-      kept_[static_cast<std::size_t>(bucket.place++)] = sample;
-    }
-  }
-  SelectKept(ranks, values);
-}
-
-/// Sorts the buckets that were kept, and takes the samples of the ranks from them.
-void DateSummarizer::SelectKept(std::span<const std::int64_t> ranks, std::span<Instant> values) {
-  std::size_t next = 0;
-  for (const Bucket& bucket : buckets_) {
-    if (bucket.place < 0) {
-      continue;
-    }
-    const auto end = kept_.begin() + bucket.place;
-    const auto begin = end - bucket.count;
-    std::sort(begin, end, [](Instant a, Instant b) { return a.packed() < b.packed(); });
-    for (; next < ranks.size() && ranks[next] < bucket.before + bucket.count; ++next) {
-      values[next] = begin[ranks[next] - bucket.before];
-    }
-  }
-}
-
 /// The interval of one of kPercents.
 const RankInterval& DateSummarizer::IntervalOf(std::int64_t count, std::size_t which) {
   if (interval_count_ != count) {
@@ -255,7 +210,7 @@ DateStatistics DateSummarizer::Summarize(std::span<const Instant> samples, bool 
   std::array<Instant, wanted.size()> values;
   std::transform(wanted.begin(), wanted.end(), ranks.begin(),
                  [](const Wanted& each) { return each.rank; });
-  Select(samples, ranks, values);
+  selector_.Select(samples, ranks, values);
   for (std::size_t i = 0; i < wanted.size(); ++i) {
     result.*wanted[i].member = values[i];
   }
@@ -285,11 +240,30 @@ Percentile<Instant> DateSummarizer::PercentileOf(std::span<const Instant> sample
   const std::array<std::int64_t, 3> ranks = {interval.low, PercentileRank(count, percent),
                                              interval.high};
   std::array<Instant, 3> values;
-  Select(samples, ranks, values);
+  selector_.Select(samples, ranks, values);
   result.low = values[0];
   result.value = values[1];
   result.high = values[2];
   return result;
+}
+
+double ElapsedDeviation(std::span<const Instant> starts, std::span<const Instant> finishes) {
+  if (starts.size() < 2) {
+    return 0.0;
+  }
+  const auto base =
+      static_cast<std::int32_t>(finishes.front().Minutes() - starts.front().Minutes());
+  std::int64_t sum = 0;
+  Uint128 squares = 0;
+  for (std::size_t begin = 0; begin < starts.size(); begin += kShortCount) {
+    const ShortSums part = SumElapsed(starts.data() + begin, finishes.data() + begin,
+                                      std::min(kShortCount, starts.size() - begin), base);
+    sum += static_cast<std::int64_t>(part.sum);
+    squares += part.squares;
+  }
+  // The deviation takes no notice of the sign of all distances.
+  return Deviation({std::abs(sum), squares}, static_cast<std::int64_t>(starts.size())) /
+         kMinutesPerDay;
 }
 
 std::array<Percentile<Instant>, 4> PercentilesOf(const DateStatistics& statistics) {

@@ -3,9 +3,9 @@
 #include <array>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "engine/calendar/instant.h"
+#include "engine/results/rank_selector.h"
 
 namespace nimbrel::engine {
 
@@ -68,27 +68,16 @@ class DateSummarizer {
   Percentile<Instant> PercentileOf(std::span<const Instant> samples, int percent);
 
  private:
-  /// The samples with these positions in sorted order, which ascend, into `values`.
-  void Select(std::span<const Instant> samples, std::span<const std::int64_t> ranks,
-              std::span<Instant> values);
-
-  void SelectKept(std::span<const std::int64_t> ranks, std::span<Instant> values);
-
-  /// Samples of about the same value. One that holds a wanted rank is kept: its samples go to
-  /// `kept_`, and `place` moves from the first one's place there to behind the last one's.
-  struct Bucket {
-    std::int32_t count = 0;
-    std::int32_t place = -1;  // -1: not kept
-    std::int32_t before = 0;  // samples in the buckets in front
-  };
-  std::vector<Bucket> buckets_;
-  std::vector<Instant> kept_;
-
   const RankInterval& IntervalOf(std::int64_t count, std::size_t which);
 
+  RankSelector selector_;
   std::int64_t interval_count_ = 0;  // what intervals_ are for
   std::array<RankInterval, 4> intervals_;
 };
+
+/// Standard deviation of the times from start to finish in calendar days, with N - 1 as divisor; 0
+/// for fewer than two. The spans are of the same length.
+double ElapsedDeviation(std::span<const Instant> starts, std::span<const Instant> finishes);
 
 /// What samples that are lengths of time say, in calendar days.
 struct DayStatistics {

@@ -1,10 +1,8 @@
 #include "engine/risk/collect.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <numeric>
 #include <span>
 #include <vector>
 
@@ -91,28 +89,6 @@ std::vector<Sum> AddUp(std::int32_t workers, std::size_t size, Part&& part) {
     }
   }
   return sums;
-}
-
-/// Standard deviation of the times from start to finish in calendar days, with N - 1 as divisor.
-double ElapsedDeviation(std::span<const Instant> starts, std::span<const Instant> finishes) {
-  const std::size_t count = starts.size();
-  if (count < 2) {
-    return 0.0;
-  }
-  const auto elapsed = [&](std::size_t i) {
-    return static_cast<double>((finishes[i].day() - starts[i].day()) * kMinutesPerDay +
-                               finishes[i].minute() - starts[i].minute());
-  };
-  const double base = elapsed(0);
-  double sum = 0.0;
-  double squares = 0.0;
-  for (std::size_t i = 1; i < count; ++i) {
-    const double above = elapsed(i) - base;
-    sum += above;
-    squares += above * above;
-  }
-  const auto n = static_cast<double>(count);
-  return std::sqrt(std::max(squares - sum * sum / n, 0.0) / (n - 1.0)) / kMinutesPerDay;
 }
 
 /// Of the targets, the finishes by iteration.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "engine/risk/vector_clones.h"
+#include "platform/vector_clones.h"
 
 namespace nimbrel::engine {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <Random123/philox.h>
 
-#include "engine/risk/vector_clones.h"
+#include "platform/vector_clones.h"
 
 namespace nimbrel::engine {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/risk/vector_clones.h"
+#include "platform/vector_clones.h"
 #include "platform/runtime_error.h"
 
 namespace nimbrel::engine {
