@@ -28,12 +28,18 @@ if(NIMBREL_SANITIZE)
   target_link_options(nimbrel_settings INTERFACE -fsanitize=${NIMBREL_SANITIZE})
 endif()
 
-# nimbrel_room(NAME [ROOMS room...] [LIBRARIES library...])
+# nimbrel_room(NAME [ROOMS room...] [LIBRARIES library...] [NOT_ON_WINDOWS source...])
 # A library of all sources in the current folder. ROOMS are the rooms below that it may use; a
 # room that is not named there cannot be linked, so the order of the layers is held by the build.
+# NOT_ON_WINDOWS are sources (patterns of names without their ending) that Windows does without.
 function(nimbrel_room NAME)
-  cmake_parse_arguments(ROOM "" "" "ROOMS;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "ROOMS;LIBRARIES;NOT_ON_WINDOWS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cc")
+  if(WIN32)
+    foreach(name IN LISTS ROOM_NOT_ON_WINDOWS)
+      list(FILTER sources EXCLUDE REGEX "/${name}\\.cc$")
+    endforeach()
+  endif()
   string(REPLACE "/" "_" target "nimbrel_${NAME}")
   list(TRANSFORM ROOM_ROOMS PREPEND nimbrel_)
   if(sources)
