@@ -5,31 +5,13 @@
 #include <QMouseEvent>
 #include <QObject>
 #include <QWidget>
-#include <cstdint>
 #include <optional>
 
+#include "toolkit/changes.h"
 #include "toolkit/control.h"
+#include "toolkit/twips_bands.h"
 
 namespace nimbrel::toolkit::qt {
-
-/// What has changed of a control since it was painted last.
-class Changes {
- public:
-  static Changes All() { return Changes(~std::uint32_t{0}); }
-  Changes() = default;
-
-  void Add(Property property) { bits_ |= Bit(property); }
-  bool Has(Property property) const { return (bits_ & Bit(property)) != 0; }
-  bool Any() const { return bits_ != 0; }
-
- private:
-  explicit Changes(std::uint32_t bits) : bits_(bits) {}
-  static std::uint32_t Bit(Property property) {
-    return std::uint32_t{1} << static_cast<unsigned>(property);
-  }
-
-  std::uint32_t bits_ = 0;
-};
 
 /// The window that faces stand in.
 class FaceHost {
@@ -50,7 +32,7 @@ std::optional<Key> KeyOf(const QKeyEvent& event);
 /// control, and the widget is then brought to what came of it.
 ///
 /// Both the control and the window must outlive the face. The widget belongs to its parent widget.
-class ControlFace : public QObject {
+class ControlFace : public QObject, public Placed {
  public:
   Control& GetControl() const { return control_; }
   /// The widget that has the control's place.
@@ -61,13 +43,11 @@ class ControlFace : public QObject {
   /// Brings the widget to the control's state.
   void Refresh(const Changes& changes);
 
-  /// The width, and the height at a given width, without which something of it could not be read.
-  virtual int NeededWidth() const;
-  virtual int NeededHeight(int width) const;
-  /// Whether it can make use of more height than its place has, as lists do.
-  virtual bool Stretches() const { return false; }
-  /// Whether it fills all the height that it is given.
-  virtual bool FillsHeight() const { return Stretches(); }
+  const Control& PlacedControl() const override { return control_; }
+  int NeededWidth() const override;
+  int NeededHeight(int width) const override;
+  bool Stretches() const override { return false; }
+  bool FillsHeight() const override { return Stretches(); }
 
  protected:
   ControlFace(Control& control, FaceHost& host) : control_(control), host_(host) {}

@@ -7,8 +7,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <limits>
 
+#include "toolkit/accessible_name.h"
 #include "toolkit/qt/faces.h"
 #include "toolkit/qt/qt_text.h"
 #include "toolkit/qt/twips_layout.h"
@@ -16,61 +16,8 @@
 namespace nimbrel::toolkit::qt {
 namespace {
 
-/// What is left above the first control of a frame or page, in twips, below its caption or tab.
-constexpr int kRoomBelowCaption = 120;
 /// The share of the screen that a window takes at the most.
 constexpr double kShareOfScreen = 0.95;
-
-/// The distance from a label to a control that it stands above or to the left of, in twips; nothing
-/// for a label that stands elsewhere.
-std::optional<int> DistanceFrom(const Place& label, const Place& place) {
-  const bool above = label.top < place.top && label.left < place.left + place.width &&
-                     place.left < label.left + label.width;
-  const bool beside = label.left < place.left && label.top < place.top + place.height &&
-                      place.top < label.top + label.height;
-  if (above) {
-    return std::max(place.top - label.top - label.height, 0);
-  }
-  return beside ? std::optional(std::max(place.left - label.left - label.width, 0)) : std::nullopt;
-}
-
-bool HasOwnCaption(const Control& control) {
-  switch (control.Kind()) {
-    case ControlKind::kCommandButton:
-    case ControlKind::kCheckBox:
-    case ControlKind::kLabel:
-    case ControlKind::kFrame:
-      return true;
-    default:
-      return false;
-  }
-}
-
-/// What a screen reader calls a control: the name that it was given, the label next to it, or the
-/// frame that it stands in. Empty for one that shows its own caption.
-std::string AccessibleNameOf(const Control& control) {
-  if (!control.AccessibleName().empty() || HasOwnCaption(control)) {
-    return control.AccessibleName();
-  }
-  const Label* nearest = nullptr;
-  int distance = std::numeric_limits<int>::max();
-  for (const Control* const other : control.Parent().Controls()) {
-    const auto* const label = dynamic_cast<const Label*>(other);
-    if (label == nullptr) {
-      continue;
-    }
-    const std::optional<int> apart = DistanceFrom(label->GetPlace(), control.GetPlace());
-    if (apart && *apart < distance) {
-      nearest = label;
-      distance = *apart;
-    }
-  }
-  if (nearest != nullptr) {
-    return nearest->Caption();
-  }
-  const auto* const frame = dynamic_cast<const Frame*>(&control.Parent());
-  return frame == nullptr ? std::string() : frame->Caption();
-}
 
 std::unique_ptr<ControlFace> MakeFace(Control& control, FaceHost& host, QWidget& pane) {
   switch (control.Kind()) {
@@ -126,13 +73,7 @@ FormWindow::~FormWindow() {
 
 bool FormWindow::FillPane(const Container& container, QWidget& pane, int width, int height,
                           bool whole) {
-  int top = height;
-  for (const Control* const control : container.Controls()) {
-    top = control->Visible() ? std::min(top, control->Top()) : top;
-  }
-  // A frame's caption, and the tabs above a page, take the room that they need.
-  top = whole ? 0 : std::max(top - kRoomBelowCaption, 0);
-  auto& layout = *new TwipsLayout(pane, {width, top, height});
+  auto& layout = *new TwipsLayout(pane, TwipsBands::AreaOf(container, width, height, whole));
   bool stretches = false;
   for (Control* const control : container.Controls()) {
     stretches = AddFace(*control, pane, layout) || stretches;

@@ -12,7 +12,7 @@
 #include "toolkit/qt/check_outline.h"
 #include "toolkit/qt/faces.h"
 #include "toolkit/qt/qt_text.h"
-#include "toolkit/qt/twips_layout.h"
+#include "toolkit/twips_bands.h"
 
 namespace nimbrel::toolkit::qt {
 namespace {

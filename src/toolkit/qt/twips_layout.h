@@ -5,27 +5,14 @@
 #include <vector>
 
 #include "toolkit/qt/control_face.h"
+#include "toolkit/twips_bands.h"
 
 namespace nimbrel::toolkit::qt {
 
-/// The height of a line of text in the font that places in twips reckon with: 13 pixels of 15
-/// twips.
-constexpr int kTwipsOfLine = 13 * 15;
-
-/// Arranges controls by their places in twips. Across, everything grows in proportion, so that what
-/// stands under something stays there. Down, lists and what holds them take what there is more, and
-/// everything else keeps its height. Twips are scaled with the font, and nothing becomes smaller
-/// than its captions need.
+/// Arranges the widgets of controls as TwipsBands says.
 class TwipsLayout final : public QLayout {
  public:
-  /// The part of the container's places that the pane shows, in twips.
-  struct Area {
-    int width = 0;
-    int top = 0;
-    int bottom = 0;
-  };
-
-  TwipsLayout(QWidget& pane, Area area);
+  TwipsLayout(QWidget& pane, TwipsBands::Area area);
   ~TwipsLayout() override;
 
   /// The face must outlive its use by the layout, which ends with its widget.
@@ -45,38 +32,13 @@ class TwipsLayout final : public QLayout {
     std::unique_ptr<QLayoutItem> item;
     ControlFace* face;
   };
-  /// What of a face the heights depend on.
-  struct Span {
-    const ControlFace* face;
-    int top;  // twips
-    int bottom;
-    double needed;  // pixels
-  };
-  /// A stripe of the pane in which no control begins or ends.
-  struct Band {
-    int top;  // twips
-    int bottom;
-    double minimum;  // pixels
-    double natural;
-    bool stretches = false;
-  };
 
-  /// Pixels for a twip, by the font.
-  double FontScale() const;
-  /// Pixels for a twip across, without which a caption would be cut.
-  double NeededScale() const;
-  std::vector<const ControlFace*> ShownFaces() const;
-  std::vector<Span> Spans(double scale_across) const;
-  static bool Holds(const Span& span, const Band& band) {
-    return band.top >= span.top && band.bottom <= span.bottom;
-  }
-  std::vector<Band> Bands(const std::vector<Span>& spans) const;
-  /// Gives each control the height that it needs.
-  static void Widen(std::vector<Band>& bands, const std::vector<Span>& spans);
-  /// Where each band begins, and the last one ends, in pixels.
-  static std::vector<double> Edges(const std::vector<Band>& bands, double height);
+  /// The arrangement of the widgets that there still are.
+  TwipsBands Bands() const;
+  /// The height of a line of text.
+  double Line() const;
 
-  Area area_;
+  TwipsBands::Area area_;
   std::vector<Item> items_;
 };
 
