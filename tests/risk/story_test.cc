@@ -101,6 +101,37 @@ TEST(Story, TellsWhatEachPeriodTookAndWhatThatHeldUp) {
   EXPECT_EQ(WeatherPlan::DayOf(story.finish), 7);
 }
 
+TEST(Story, TellsOfATaskThatWaitsForAPushedOneNothingOfItsOwn) {
+  // The first lift would start on day 1 and be cut on day 3: it starts on day 4 and ends on day 6.
+  // The second one follows on day 7 and meets no weather there, though in the first schedule it
+  // stood on days 6 and 7, of which it loses none. The third follows on day 9, and day 10 cuts it.
+  WeatherPlan plan;
+  plan.AddTask("FIRST", 3);
+  plan.AddTask("SECOND", 2, {"FIRST"});
+  plan.AddTask("THIRD", 2, {"SECOND"});
+  plan.AddWeatherCalendar("SEA");
+  for (const char* lift : {"FIRST", "SECOND", "THIRD"}) {
+    plan.MarkNoSplit(lift);
+    plan.Assign(lift, "SEA");
+  }
+  plan.AddPeriod("SEA", 3, 3, Always(1));
+  plan.AddPeriod("SEA", 10, 10, Always(1));
+  const IterationStory story = TellIteration(plan.plan, {}, WithUncheckedAddIn(), 1);
+  ASSERT_EQ(story.pushed.size(), 2U);
+  EXPECT_EQ(story.pushed[0].task, plan.UidOf("FIRST"));
+  EXPECT_EQ(WeatherPlan::DayOf(story.pushed[0].first_start), 1);
+  EXPECT_EQ(WeatherPlan::DayOf(story.pushed[0].start), 4);
+  EXPECT_EQ(story.pushed[1].task, plan.UidOf("THIRD"));
+  EXPECT_EQ(WeatherPlan::DayOf(story.pushed[1].first_start), 9);
+  EXPECT_EQ(WeatherPlan::DayOf(story.pushed[1].start), 11);
+  EXPECT_THAT(story.pushed[1].past, ElementsAre(Days(10, 10)));
+
+  const RunResult result = engine::Run(plan.plan, {.iterations = 5}, WithUncheckedAddIn());
+  EXPECT_EQ(result.tasks[0].nosplit_pushed_days, 3.0);
+  EXPECT_EQ(result.tasks[1].nosplit_pushed_days, 0.0);
+  EXPECT_EQ(result.tasks[2].nosplit_pushed_days, 2.0);
+}
+
 TEST(Story, TellsHowFarALiftWasPushedAndPastWhichDays) {
   // The lift is ready on day 5; from there day 6 would cut it, from day 7 day 9 would.
   WeatherPlan plan;

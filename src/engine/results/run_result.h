@@ -17,8 +17,9 @@ struct TaskResult {
   Percentile<Instant> start;  // P50
   DateStatistics finish;
   double criticality = 0;  // share of the iterations in which it drove the plan's finish, 0 to 1
-  /// How far weather pushed the start on average, in calendar days: from the first scheduling of an
-  /// iteration to its last. 0 for tasks that may be split.
+  /// How far weather pushed its start on average, in calendar days: from where its links would let
+  /// it start in an iteration's last schedule. What it waits for predecessors that were pushed
+  /// themselves is theirs. 0 for tasks that may be split.
   double nosplit_pushed_days = 0;
   /// Standard deviation of the time from its start to its finish, in calendar days.
   double elapsed_sd_days = 0;

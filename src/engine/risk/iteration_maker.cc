@@ -9,7 +9,6 @@ namespace nimbrel::engine {
 IterationMaker::IterationMaker(const RunInputs& inputs)
     : inputs_(inputs),
       stream_(inputs.options.seed),
-      first_starts_(inputs.layout.no_split.size()),
       first_constraints_(inputs.layout.no_split.size()) {}
 
 IterationMaker::~IterationMaker() {
@@ -40,18 +39,14 @@ void IterationMaker::Make(std::int32_t number) {
   host_->BeginIteration();
   host_->RaisePlanBeforeRiskIteration(number);
   host_->ScheduleIteration();
-  NoteFirst();
+  NoteConstraints();
   host_->RaisePlanAfterRiskIteration(number);
 }
 
-void IterationMaker::NoteFirst() {
-  const Scheduler& scheduler = host_->scheduler();
+void IterationMaker::NoteConstraints() {
   const std::vector<TaskIndex>& tasks = inputs_.layout.no_split;
   for (std::size_t i = 0; i < tasks.size(); ++i) {
-    first_starts_[i] = scheduler.early_start(tasks[i]);
-    if (inputs_.options.attribute) {
-      first_constraints_[i] = ConstraintOf(scheduler, tasks[i]);
-    }
+    first_constraints_[i] = ConstraintOf(host_->scheduler(), tasks[i]);
   }
 }
 

@@ -43,20 +43,18 @@ class IterationMaker {
   void Finish();
 
   Host& host() { return *host_; }
-  /// Of the tasks that must not be split, when they were first scheduled in the iteration: their
-  /// starts, and the constraints that they had then. In the layout's order.
-  std::span<const Instant> first_starts() const { return first_starts_; }
+  /// The constraints that the tasks that must not be split had when they were first scheduled in
+  /// the iteration, before any was pushed. In the layout's order.
   std::span<const Constraint> first_constraints() const { return first_constraints_; }
 
  private:
-  void NoteFirst();
+  void NoteConstraints();
 
   const RunInputs& inputs_;
   platform::Ref<Host> host_;
   std::shared_ptr<void> attached_;
   RunStream stream_;
   std::optional<Sampler> sampler_;
-  std::vector<Instant> first_starts_;
   std::vector<Constraint> first_constraints_;
 };
 

@@ -166,7 +166,7 @@ class Teller {
     const Scheduler& scheduler = maker_.host().scheduler();
     const std::vector<TaskIndex>& tasks = inputs_.layout.no_split;
     for (std::size_t i = 0; i < tasks.size(); ++i) {
-      const Instant first = maker_.first_starts()[i];
+      const Instant first = StartUnder(scheduler, tasks[i], maker_.first_constraints()[i]);
       const Instant start = scheduler.early_start(tasks[i]);
       if (first.Minutes() != start.Minutes()) {
         story.pushed.push_back({.task = UidOf(tasks[i]),
@@ -213,10 +213,8 @@ IterationStory TellIteration(const Plan& plan, const RunOptions& options, const 
     throw std::invalid_argument(
         fmt::format("The run has iterations 1 to {}, not {}.", options.iterations, iteration));
   }
-  RunOptions telling = options;
-  telling.attribute = true;  // the constraints of before any push are needed
-  const RunLayout layout = MakeRunLayout(plan, telling, wiring);
-  const RunInputs inputs{plan, telling, wiring, layout};
+  const RunLayout layout = MakeRunLayout(plan, options, wiring);
+  const RunInputs inputs{plan, options, wiring, layout};
   IterationMaker maker(inputs);
   maker.Start();
   IterationStory story = Teller(inputs, maker).Tell(iteration);

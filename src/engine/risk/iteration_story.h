@@ -29,10 +29,11 @@ struct IterationStory {
     std::int32_t lost_days = 0;  // how many these are
     std::vector<Uid> calendars;  // those that lost any of them
   };
-  /// A task that must not be split, moved by whoever heard of the iteration.
+  /// A task that must not be split, moved by whoever heard of the iteration to later than its links
+  /// alone would hold it. What it waits for predecessors that were moved is theirs.
   struct Push {
     Uid task = 0;
-    Instant first_start;  // before it was pushed
+    Instant first_start;  // where it would start had it not been pushed itself
     Instant start;
     std::vector<DayRange> past;  // lost days of its own from the one start to the other
   };

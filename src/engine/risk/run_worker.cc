@@ -114,8 +114,9 @@ void RunWorker::TakeResults(std::int32_t iteration) {
   tile_->Add(scheduler);
   TakeDriving(scheduler);
   for (std::size_t i = 0; i < layout_.no_split.size(); ++i) {
-    pushed_minutes_[i] +=
-        scheduler.early_start(layout_.no_split[i]).Minutes() - maker_.first_starts()[i].Minutes();
+    const TaskIndex task = layout_.no_split[i];
+    pushed_minutes_[i] += scheduler.early_start(task).Minutes() -
+                          StartUnder(scheduler, task, maker_.first_constraints()[i]).Minutes();
   }
   TakeLostDays(scheduler, iteration);
   if (!layout_.variants.empty()) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/vector_clones.h"
 #include "platform/runtime_error.h"
+#include "platform/vector_clones.h"
 
 namespace nimbrel::engine {
 namespace {

@@ -25,6 +25,24 @@ void VisitEnds(Network& network, TaskIndex target, const Visit& visit) {
   }
 }
 
+/// The moments before which links and constraints let a task neither start nor finish, packed.
+struct Holds {
+  std::int32_t start = kNoFloor;
+  std::int32_t finish = kNoFloor;
+};
+
+Holds HoldsOn(Network& network, Slot slot) {
+  const Node& node = network.nodes[static_cast<std::size_t>(slot)];
+  Holds holds{node.floor, network.finish_floor[static_cast<std::size_t>(slot)]};
+  if (!node.is_mandatory) {
+    for (const InLink& link : network.in_links[slot]) {
+      std::int32_t& held = link.to_finish ? holds.finish : holds.start;
+      held = std::max(held, LagEnd(network, network.early[link.date], link.lag));
+    }
+  }
+  return holds;
+}
+
 }  // namespace
 
 void ScheduleTelling::DrivingPath(const Scheduler& scheduler, TaskIndex target,
@@ -99,21 +117,15 @@ Instant ReadyMoment(Network& network, Slot slot) {
     }
     return Instant::FromPacked(std::min(bound, start.packed()));
   }
-  std::int32_t finish_bound = network.finish_floor[static_cast<std::size_t>(slot)];
-  if (!node.is_mandatory) {
-    for (const InLink& link : network.in_links[slot]) {
-      std::int32_t& held = link.to_finish ? finish_bound : bound;
-      held = std::max(held, LagEnd(network, early[link.date], link.lag));
-    }
-  }
-  const Instant ready = Instant::FromPacked(bound);
-  if (bound == kNoFloor || start < ready) {
+  const Holds holds = HoldsOn(network, slot);
+  const Instant ready = Instant::FromPacked(holds.start);
+  if (holds.start == kNoFloor || start < ready) {
     return start;
   }
   WorkTable& table = network.TableOf(slot);
   const bool is_held_at_finish =
-      finish_bound != kNoFloor &&
-      table.Position(Instant::FromPacked(finish_bound)) - node.minutes > table.Position(ready);
+      holds.finish != kNoFloor &&
+      table.Position(Instant::FromPacked(holds.finish)) - node.minutes > table.Position(ready);
   return is_held_at_finish ? start : ready;
 }
 
@@ -127,6 +139,30 @@ std::int32_t FirstDayUnderWay(Network& network, Slot slot) {
   }
   const DayHours& hours = calendar.HoursOn(ready.day());
   return ready.day() + (hours.worked_before()[ready.minute()] == hours.minutes() ? 1 : 0);
+}
+
+Instant StartUnder(const Scheduler& scheduler, TaskIndex task, const Constraint& constraint) {
+  Network& network = scheduler.network();
+  const auto slot = network.slot_of[static_cast<std::size_t>(task)];
+  const auto place = static_cast<std::size_t>(slot);
+  const Instant start = scheduler.early_start(task);
+  const TaskFacts facts = network.facts[place];
+  if (!network.IsOpen(slot) || facts.constraints[0] == constraint) {
+    return start;
+  }
+  network.facts[place].constraints[0] = constraint;
+  ApplyConstraints(network, slot);
+  const Holds holds = HoldsOn(network, slot);
+  network.facts[place] = facts;
+  ApplyConstraints(network, slot);
+
+  WorkTable& table = network.TableOf(slot);
+  std::int32_t position = table.Position(Instant::FromPacked(holds.start));
+  if (holds.finish != kNoFloor) {
+    position = std::max(
+        position, table.Position(Instant::FromPacked(holds.finish)) - network.nodes[place].minutes);
+  }
+  return std::min(table.StartAt(position), start);
 }
 
 const Constraint& ConstraintOf(const Scheduler& scheduler, TaskIndex task) {

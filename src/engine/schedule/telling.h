@@ -38,6 +38,11 @@ std::int32_t FirstDayUnderWay(const Scheduler& scheduler, TaskIndex task);
 Instant ReadyMoment(Network& network, Slot slot);
 std::int32_t FirstDayUnderWay(Network& network, Slot slot);
 
+/// Where a task with work would start in the schedule as it stands, if its primary constraint were
+/// this one: held by its links and by what else is said of it; at the latest where it starts. The
+/// schedule stays as it is.
+Instant StartUnder(const Scheduler& scheduler, TaskIndex task, const Constraint& constraint);
+
 /// A task's primary constraint as it stands.
 const Constraint& ConstraintOf(const Scheduler& scheduler, TaskIndex task);
 
