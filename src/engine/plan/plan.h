@@ -141,7 +141,8 @@ struct Task {
   Instant actual_finish;  // absent: not finished
   Instant suspended;
   Instant resumed;
-  Instant expected_finish;      // absent: none; what remains is stretched or cut to end there
+  /// Absent: none; what remains is stretched or cut to end there, to nothing where it has passed.
+  Instant expected_finish;
   double percent_complete = 0;  // 0 to 100, as shown; scheduling rests on the remaining duration
 
   std::vector<UserValue> user_values;
@@ -180,9 +181,10 @@ struct CustomField {
 };
 
 /// How what is left of a started task treats predecessors that are not finished. Retained logic: it
-/// waits for them. Progress override: it goes ahead, and they have float as if there was no link.
-/// Actual dates: it goes ahead, and the dates at which it has started or finished limit the late
-/// dates of its predecessors.
+/// waits for them, and what comes after a task that was finished before them waits for them, too,
+/// if it waits for the data date. Progress override: it goes ahead, and they have float as if there
+/// was no link. Actual dates: it goes ahead, and the dates at which it has started or finished
+/// limit the late dates of its predecessors.
 enum class ProgressRule : std::int32_t {
   kRetainedLogic = 0,
   kProgressOverride = 1,

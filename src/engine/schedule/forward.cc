@@ -45,16 +45,17 @@ void SetEarly(Network& network, Slot slot, Instant start, Instant finish) {
   network.early[FinishOf(slot)] = finish.packed();
 }
 
-/// Stretches or cuts what remains of a task so that it ends when it is expected to, if that lies
-/// after its start. No remaining work is expected to end at no time.
+/// Stretches or cuts what remains of a task so that it ends when it is expected to: nothing remains
+/// if that has passed when it can start. No remaining work is expected to end at no time.
 void MeetExpectedFinish(Network& network, Slot slot, EarlyBounds bounds) {
-  const std::int32_t remaining = network.remaining[slot];
+  if (network.remaining[slot] == 0) {
+    return;
+  }
   WorkTable& table = network.TableOf(slot);
   const std::int32_t minutes =
       table.Position(Instant::FromPacked(network.facts[slot].expected_finish)) -
       table.Position(Instant::FromPacked(bounds.start));
-  network.nodes[slot].minutes =
-      table.CapMinutes(remaining > 0 && minutes > 0 ? minutes : remaining);
+  network.nodes[slot].minutes = table.CapMinutes(std::max(minutes, 0));
 }
 
 /// Schedules a task whose start or finish may not come after a moment, if that is where it would
@@ -87,6 +88,11 @@ bool ScheduleHeldBack(Network& network, Slot slot, EarlyBounds bounds) {
 /// Schedules a task of any sort.
 void ScheduleTask(Network& network, Slot slot) {
   const EarlyBounds bounds = GatherBounds(network, slot);
+  if (network.nodes[slot].is_relay) {
+    const Instant moment = Instant::FromPacked(std::max(bounds.start, bounds.finish));
+    SetEarly(network, slot, moment, moment);
+    return;
+  }
   WorkTable& table = network.TableOf(slot);
   if (network.nodes[slot].has_end) {
     const TaskFacts& facts = network.facts[slot];
@@ -243,7 +249,9 @@ Instant FinishOfPlan(Network& network) {
   if (network.finish == kNoFloor) {
     std::int32_t latest = network.latest_actual;
     for (Slot slot = 0; slot < network.open_count; ++slot) {
-      latest = std::max(latest, network.early[FinishOf(slot)]);
+      if (!network.nodes[slot].is_relay) {
+        latest = std::max(latest, network.early[FinishOf(slot)]);
+      }
     }
     network.finish = latest == kNoFloor ? network.status.packed() : latest;
   }
@@ -256,6 +264,9 @@ bool IsDriving(Network& network, Slot slot, const InLink& link) {
     return false;
   }
   const std::int32_t end = LagEnd(network, network.early[link.date], link.lag);
+  if (node.is_relay) {
+    return end == network.early[StartOf(slot)];
+  }
   WorkTable& table = network.TableOf(slot);
   const Instant start = Instant::FromPacked(network.early[StartOf(slot)]);
   if (node.minutes == 0) {

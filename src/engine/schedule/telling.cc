@@ -19,7 +19,8 @@ void VisitEnds(Network& network, TaskIndex target, const Visit& visit) {
   }
   const std::int32_t finish = FinishOfPlan(network).packed();
   for (Slot slot = 0; slot < network.open_count; ++slot) {
-    if (network.early[static_cast<std::size_t>(FinishOf(slot))] == finish) {
+    if (network.early[static_cast<std::size_t>(FinishOf(slot))] == finish &&
+        !network.IsRelay(slot)) {
       visit(slot);
     }
   }
@@ -60,7 +61,9 @@ void ScheduleTelling::DrivingPath(const Scheduler& scheduler, TaskIndex target,
       const int bit = 63 - std::countl_zero(marked_[word]);
       const Slot slot = static_cast<Slot>(word) * 64 + bit;
       marked_[word] &= ~(std::uint64_t{1} << bit);
-      path.push_back(network.index_at[static_cast<std::size_t>(slot)]);
+      if (!network.IsRelay(slot)) {
+        path.push_back(network.index_at[static_cast<std::size_t>(slot)]);
+      }
       for (const InLink& link : network.in_links[slot]) {
         if (IsDriving(network, slot, link)) {
           mark(link.predecessor());
@@ -79,16 +82,16 @@ std::vector<TaskIndex> ScheduleTelling::OneDrivingPath(const Scheduler& schedule
     last = last < 0 ? task : std::min(last, task);
   });
   std::vector<TaskIndex> path;
-  while (last >= 0) {
-    path.push_back(last);
-    const Slot slot = network.slot_of[static_cast<std::size_t>(last)];
-    last = -1;
-    for (const InLink& link : network.in_links[slot]) {
-      if (IsDriving(network, slot, link)) {
-        last = network.index_at[static_cast<std::size_t>(link.predecessor())];
-        break;
-      }
+  Slot slot = last < 0 ? -1 : network.slot_of[static_cast<std::size_t>(last)];
+  while (slot >= 0) {
+    if (!network.IsRelay(slot)) {
+      path.push_back(network.index_at[static_cast<std::size_t>(slot)]);
     }
+    const Lists<InLink>::Range links = network.in_links[slot];
+    const InLink* const driving = std::find_if(links.begin(), links.end(), [&](const InLink& link) {
+      return IsDriving(network, slot, link);
+    });
+    slot = driving == links.end() ? -1 : driving->predecessor();
   }
   std::reverse(path.begin(), path.end());
   return path;
