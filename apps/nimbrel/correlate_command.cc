@@ -43,7 +43,7 @@ ExitCode Correlate(const Options& options, Console& console) {
     console.out << note << '\n';
   }
   FlushOutput(console);
-  SaveDocument(plan, options.plan);
+  SaveChanges(plan, document);
   return ExitCode::kDone;
 }
 

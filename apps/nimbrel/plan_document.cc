@@ -19,9 +19,15 @@ CommandError ToCommandError(const engine::PlanFileError& error) {
                                                                : FileTrouble(error.what());
 }
 
-engine::Plan Load(const std::string& path) {
+/// Reads one of this system's own plans.
+PlanDocument Load(const std::string& path) {
   try {
-    return engine::LoadPlan(path);
+    engine::StoredPlan stored = engine::LoadStoredPlan(path);
+    return {.plan = std::move(stored.plan),
+            .path = path,
+            .is_own_format = true,
+            .revision = stored.revision,
+            .warnings = {}};
   } catch (const engine::PlanFileError& error) {
     throw ToCommandError(error);
   }
@@ -38,18 +44,16 @@ engine::ReadResult ReadForeign(const std::string& path, const engine::ReadOption
 }  // namespace
 
 PlanDocument OpenPlan(const std::string& path, const ReadingChoice& choice) {
-  PlanDocument document;
-  document.path = path;
   if (engine::IsPlanFile(path)) {
     if (!choice.project.empty() || !choice.time_unit.empty()) {
       throw BadCommandLine(
           "--project and --time-unit: expected an XER or MSPDI XML file, found \"" + path +
           "\", which is one plan already");
     }
-    document.plan = Load(path);
-    document.is_own_format = true;
-    return document;
+    return Load(path);
   }
+  PlanDocument document;
+  document.path = path;
   engine::ReadResult result = ReadForeign(path, ToReadOptions(choice));
   document.plan = std::move(result.plan);
   for (const engine::ReadWarning& warning : result.warnings) {
@@ -69,11 +73,7 @@ PlanDocument OpenPlanToChange(const std::string& path) {
     throw BadInput(path +
                    ": expected a .nplan, which can be changed; make one with 'nimbrel import'");
   }
-  PlanDocument document;
-  document.path = path;
-  document.plan = Load(path);
-  document.is_own_format = true;
-  return document;
+  return Load(path);
 }
 
 void ShowWarnings(const PlanDocument& document, Console& console) {
@@ -85,6 +85,14 @@ void ShowWarnings(const PlanDocument& document, Console& console) {
 void SaveDocument(const engine::Plan& plan, const std::string& path) {
   try {
     engine::SavePlan(plan, path);
+  } catch (const engine::PlanFileError& error) {
+    throw ToCommandError(error);
+  }
+}
+
+void SaveChanges(const engine::Plan& plan, const PlanDocument& document) {
+  try {
+    engine::SaveChangedPlan(plan, document.path, document.revision);
   } catch (const engine::PlanFileError& error) {
     throw ToCommandError(error);
   }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "engine/plan/plan.h"
+#include "engine/plan/plan_store.h"
 #include "nimbrel/command_line.h"
 #include "nimbrel/console.h"
 
@@ -14,6 +15,7 @@ struct PlanDocument {
   engine::Plan plan;
   std::string path;                   // as given on the command line
   bool is_own_format = false;         // a .nplan, which can be saved
+  engine::PlanRevision revision;      // of a .nplan: the state of the file that was read
   std::vector<std::string> warnings;  // with counts, in the order of the file
 };
 
@@ -26,6 +28,10 @@ PlanDocument OpenPlanToChange(const std::string& path);
 
 /// Puts the document's warnings on standard error, a line each: for commands whose output is data.
 void ShowWarnings(const PlanDocument& document, Console& console);
+
+/// Saves a plan that was read from the document's own file, a .nplan, and changed, in one step.
+/// Raises CommandError, also where the file was written in the meantime; it is then as it was.
+void SaveChanges(const engine::Plan& plan, const PlanDocument& document);
 
 /// Saves the plan in one step. Raises CommandError; the file is then as it was.
 void SaveDocument(const engine::Plan& plan, const std::string& path);

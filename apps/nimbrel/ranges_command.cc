@@ -32,7 +32,7 @@ ExitCode Ranges(const Options& options, Console& console) {
                                  : ApplyRangesCsv(document.plan, options.file, shape);
   console.out << options.plan << ": ranges of " << Counted(count, "task", "tasks") << '\n';
   FlushOutput(console);
-  SaveDocument(document.plan, options.plan);
+  SaveChanges(document.plan, document);
   return ExitCode::kDone;
 }
 

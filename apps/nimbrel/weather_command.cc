@@ -97,7 +97,7 @@ ExitCode Set(const Options& options, Console& console) {
   SetWeatherFromFile(document.plan, options.file);
   console.out << WeatherSummary(options.plan, document.plan);
   FlushOutput(console);
-  SaveDocument(document.plan, options.plan);
+  SaveChanges(document.plan, document);
   return ExitCode::kDone;
 }
 
@@ -113,7 +113,7 @@ ExitCode Clear(const Options& options, Console& console) {
   ClearWeather(document.plan, options.plan);
   console.out << options.plan << ": no weather any more\n";
   FlushOutput(console);
-  SaveDocument(document.plan, options.plan);
+  SaveChanges(document.plan, document);
   return ExitCode::kDone;
 }
 

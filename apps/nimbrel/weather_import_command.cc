@@ -172,7 +172,7 @@ ExitCode Import(const Options& options, Console& console) {
   RequireFreeNames(options, document.plan, dialog->document());
   console.out << WeatherSummary(options.plan, dialog->document());
   FlushOutput(console);
-  SaveDocument(dialog->document(), options.plan);
+  SaveChanges(dialog->document(), document);
   return ExitCode::kDone;
 }
 

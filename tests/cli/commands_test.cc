@@ -3,7 +3,9 @@
 
 #include <string>
 
+#include "nimbrel/command_error.h"
 #include "nimbrel/json_text.h"
+#include "nimbrel/plan_document.h"
 #include "tests/cli/cli_fixture.h"
 
 namespace nimbrel::cli {
@@ -239,6 +241,23 @@ TEST_F(WeatherCommandTest, BadWeatherIsNamedByItsPathAndNothingIsWritten) {
                 "w.json");
   ExpectFailure({"weather", "set", plan, Write("w.json", R"({"events": [)")}, 1, "w.json");
   ExpectFailure({"weather", "set", plan, Path("none.json")}, 3, "none.json: cannot be read");
+}
+
+class DocumentTest : public CliTest {};
+
+TEST_F(DocumentTest, WhatAnotherCommandSavedInTheMeantimeStands) {
+  const std::string path = WeatherPlan();
+  PlanDocument mine = OpenPlanToChange(path);
+  Output({"weather", "clear", path});
+  mine.plan.name = "Mine";
+  try {
+    SaveChanges(mine.plan, mine);
+    FAIL() << "saved over it";
+  } catch (const CommandError& error) {
+    EXPECT_EQ(error.code(), ExitCode::kFileTrouble);
+    EXPECT_THAT(error.what(), HasSubstr(path + ": was changed by another program"));
+  }
+  EXPECT_NE(OpenPlanToChange(path).plan.name, "Mine");
 }
 
 }  // namespace

@@ -121,6 +121,50 @@ TEST_F(PlanStore, RefusesToSaveAPlanThatCouldNotBeRead) {
   EXPECT_EQ(Files(), before);
 }
 
+// Two programs and one file.
+
+TEST_F(PlanStore, SavesChangesOverTheStateThatWasRead) {
+  SavePlan(MakePlan(3), Path("plan.nplan"));
+  StoredPlan stored = LoadStoredPlan(Path("plan.nplan"));
+  EXPECT_EQ(stored.plan, MakePlan(3));
+  stored.plan.name = "Changed";
+  SaveChangedPlan(stored.plan, Path("plan.nplan"), stored.revision);
+  EXPECT_EQ(LoadPlan(Path("plan.nplan")), stored.plan);
+}
+
+TEST_F(PlanStore, ReadingAPlanIsNoChangeOfIt) {
+  SavePlan(MakePlan(3), Path("plan.nplan"));
+  const StoredPlan stored = LoadStoredPlan(Path("plan.nplan"));
+  EXPECT_EQ(LoadStoredPlan(Path("plan.nplan")).revision, stored.revision);
+}
+
+TEST_F(PlanStore, LosesNothingThatAnotherProgramSavedSinceThePlanWasRead) {
+  SavePlan(MakePlan(3), Path("plan.nplan"));
+  const StoredPlan mine = LoadStoredPlan(Path("plan.nplan"));
+  SavePlan(MakePlan(5, "Theirs"), Path("plan.nplan"));
+  ExpectError(PlanFileError::Kind::kFile, Path("plan.nplan"), "was changed by another program",
+              [&] { SaveChangedPlan(mine.plan, Path("plan.nplan"), mine.revision); });
+  EXPECT_EQ(LoadPlan(Path("plan.nplan")), MakePlan(5, "Theirs"));
+}
+
+TEST_F(PlanStore, LosesNothingOfAFileThatTookThePlaceOfTheOneThatWasRead) {
+  SavePlan(MakePlan(3), Path("plan.nplan"));
+  SavePlan(MakePlan(3, "Theirs"), Path("other.nplan"));
+  const StoredPlan mine = LoadStoredPlan(Path("plan.nplan"));
+  fs::rename(Path("other.nplan"), Path("plan.nplan"));
+  ExpectError(PlanFileError::Kind::kFile, Path("plan.nplan"), "was changed by another program",
+              [&] { SaveChangedPlan(mine.plan, Path("plan.nplan"), mine.revision); });
+  EXPECT_EQ(LoadPlan(Path("plan.nplan")), MakePlan(3, "Theirs"));
+}
+
+TEST_F(PlanStore, MakesAFileThatIsGoneAnewFromWhatWasChanged) {
+  SavePlan(MakePlan(3), Path("plan.nplan"));
+  const StoredPlan stored = LoadStoredPlan(Path("plan.nplan"));
+  fs::remove(Path("plan.nplan"));
+  SaveChangedPlan(stored.plan, Path("plan.nplan"), stored.revision);
+  EXPECT_EQ(LoadPlan(Path("plan.nplan")), stored.plan);
+}
+
 // Files that are no plan.
 
 TEST_F(PlanStore, SaysThatAFileIsMissing) {

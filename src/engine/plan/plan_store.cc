@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -100,7 +101,16 @@ void Store(SqliteDatabase& database, const Plan& plan) {
   database.Execute("COMMIT");
 }
 
-void SaveOver(const Plan& plan, const std::string& path) {
+/// Which state of the file a transaction on it sees.
+PlanRevision RevisionOf(const SqliteDatabase& database, const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) {
+    throw FileTrouble(path, std::string("cannot be read: ") + std::strerror(errno));
+  }
+  return {status.st_dev, status.st_ino, database.ChangeCount()};
+}
+
+void SaveOver(const Plan& plan, const std::string& path, const PlanRevision* expected) {
   try {
     SqliteDatabase database(path);
     if (database.IsWriteProtected()) {
@@ -111,6 +121,11 @@ void SaveOver(const Plan& plan, const std::string& path) {
         "PRAGMA journal_mode = DELETE; PRAGMA synchronous = FULL; "
         "PRAGMA foreign_keys = ON; BEGIN IMMEDIATE");
     RequirePlanFile(database, path);  // nobody else can change it any more
+    if (expected != nullptr && RevisionOf(database, path) != *expected) {
+      throw FileTrouble(path,
+                        "was changed by another program after it was read; its changes stand, and "
+                        "nothing was saved: please repeat the command");
+    }
     Store(database, plan);
   } catch (const SqliteError& error) {
     throw Explain(error, path, "written");
@@ -193,34 +208,7 @@ void SaveNew(const Plan& plan, const std::string& path) {
   file.PutInPlace();
 }
 
-}  // namespace
-
-bool IsPlanFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string header(kSqliteHeader.size(), ' ');
-  file.read(header.data(), static_cast<std::streamsize>(header.size()));
-  return file && header == kSqliteHeader;
-}
-
-Plan LoadPlan(const std::string& path) {
-  RequireRegularFile(path);
-  Plan plan;
-  try {
-    SqliteDatabase database(path);
-    database.Execute("BEGIN");  // all tables as they are at one moment
-    plan = ReadPlanRows(database, RequirePlanFile(database, path));
-  } catch (const SqliteError& error) {
-    throw Explain(error, path, "read");
-  } catch (const UnexpectedValue& error) {
-    throw BadContent(path, error.what());
-  }
-  if (const std::optional<std::string> fault = FindFault(plan)) {
-    throw BadContent(path, *fault);
-  }
-  return plan;
-}
-
-void SavePlan(const Plan& plan, const std::string& path) {
+void Save(const Plan& plan, const std::string& path, const PlanRevision* expected) {
   if (const std::optional<std::string> fault = FindFault(plan)) {
     throw BadContent(path, "the plan cannot be saved: " + *fault);
   }
@@ -233,10 +221,50 @@ void SavePlan(const Plan& plan, const std::string& path) {
     throw FileTrouble(path, "cannot be written: expected a file, found a folder or a device");
   }
   if (is_there && fs::file_size(target, error) > 0) {
-    SaveOver(plan, target);
+    SaveOver(plan, target, expected);
   } else {
     SaveNew(plan, target);
   }
+}
+
+}  // namespace
+
+bool IsPlanFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string header(kSqliteHeader.size(), ' ');
+  file.read(header.data(), static_cast<std::streamsize>(header.size()));
+  return file && header == kSqliteHeader;
+}
+
+Plan LoadPlan(const std::string& path) {
+  return LoadStoredPlan(path).plan;
+}
+
+StoredPlan LoadStoredPlan(const std::string& path) {
+  RequireRegularFile(path);
+  StoredPlan stored;
+  try {
+    SqliteDatabase database(path);
+    database.Execute("BEGIN");  // all tables as they are at one moment
+    stored.plan = ReadPlanRows(database, RequirePlanFile(database, path));
+    stored.revision = RevisionOf(database, path);
+  } catch (const SqliteError& error) {
+    throw Explain(error, path, "read");
+  } catch (const UnexpectedValue& error) {
+    throw BadContent(path, error.what());
+  }
+  if (const std::optional<std::string> fault = FindFault(stored.plan)) {
+    throw BadContent(path, *fault);
+  }
+  return stored;
+}
+
+void SavePlan(const Plan& plan, const std::string& path) {
+  Save(plan, path, nullptr);
+}
+
+void SaveChangedPlan(const Plan& plan, const std::string& path, const PlanRevision& revision) {
+  Save(plan, path, &revision);
 }
 
 }  // namespace nimbrel::engine

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <array>
 #include <limits>
 #include <utility>
 
@@ -73,6 +74,26 @@ std::int64_t SqliteDatabase::Number(const std::string& sql) {
 
 bool SqliteDatabase::IsWriteProtected() const {
   return sqlite3_db_readonly(handle_, "main") == 1;
+}
+
+std::uint32_t SqliteDatabase::ChangeCount() const {
+  // By way of SQLite's own file: another one, when it is closed, would take SQLite's locks along.
+  sqlite3_file* file = nullptr;
+  int code = sqlite3_file_control(handle_, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  std::array<std::uint8_t, 4> bytes{};
+  constexpr sqlite3_int64 kPlaceInHeader = 24;
+  if (code == SQLITE_OK) {
+    code =
+        file->pMethods->xRead(file, bytes.data(), static_cast<int>(bytes.size()), kPlaceInHeader);
+  }
+  if (code != SQLITE_OK) {
+    throw SqliteError(code, sqlite3_errstr(code));
+  }
+  std::uint32_t count = 0;
+  for (const std::uint8_t byte : bytes) {  // the highest comes first
+    count = count << 8 | byte;
+  }
+  return count;
 }
 
 SqliteStatement::SqliteStatement(const SqliteDatabase& database, std::string table,

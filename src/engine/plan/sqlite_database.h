@@ -48,6 +48,9 @@ class SqliteDatabase {
   /// Runs a statement that gives one number, such as a pragma.
   std::int64_t Number(const std::string& sql);
   bool IsWriteProtected() const;
+  /// How often the file has been changed, as the file itself counts it. Within a transaction this
+  /// belongs to what the transaction sees.
+  std::uint32_t ChangeCount() const;
   sqlite3* handle() const { return handle_; }
 
  private:
