@@ -1,7 +1,9 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -17,6 +19,7 @@
 #include "nimbrel/output_folder.h"
 #include "nimbrel/plan_document.h"
 #include "nimbrel/progress_bar.h"
+#include "nimbrel/report/page.h"
 #include "nimbrel/run_inputs.h"
 #include "nimbrel/run_output.h"
 #include "nimbrel/run_setup.h"
@@ -37,6 +40,7 @@ struct Options : RunSetup {
   std::string json;
   std::string samples;
   std::string csv;
+  std::string report;
   std::vector<std::string> tasks;
   bool quiet = false;
 };
@@ -63,6 +67,24 @@ engine::RunOptions OptionsFor(const Options& options, const Plan& plan) {
   return run;
 }
 
+/// The options on which the results depend.
+engine::InputTable OptionsTable(const Options& options) {
+  const auto yes = [](bool is_on) { return std::string(is_on ? "yes" : "no"); };
+  return {"Options",
+          {"option", "value"},
+          {{"--iterations", std::to_string(options.iterations)},
+           {"--seed", std::to_string(options.seed)},
+           {"--sampling", options.sampling},
+           {"--weather", options.weather_file.empty() ? "that of the plan" : "from a file"},
+           {"--no-weather", yes(options.no_weather)},
+           {"--compare", yes(options.compare)},
+           {"--attribute", yes(options.attribute)},
+           {"--until", options.until > 0 ? fmt::format("{:g}", options.until) : "no"},
+           {"--milestone", options.milestones.empty()
+                               ? "none"
+                               : fmt::format("{}", fmt::join(options.milestones, ", "))}}};
+}
+
 RunReport Compute(const Options& options, const Plan& plan, const engine::RunOptions& run,
                   Console& console) {
   const InterruptWatch interrupt;
@@ -83,7 +105,8 @@ RunReport Compute(const Options& options, const Plan& plan, const engine::RunOpt
   engine::DocumentParts parts{.run = report.run(), .weather = report.weather};
   parts.compared = options.compare ? &report.results : nullptr;
   engine::IterationStory story;
-  const bool writes_details = !options.json.empty() || !options.csv.empty();
+  const bool writes_details =
+      !options.json.empty() || !options.csv.empty() || !options.report.empty();
   if (writes_details && report.run().iterations() > 0 && !IsStopped(report)) {
     wiring.progress = nullptr;
     story = engine::TellIteration(plan, run, wiring, engine::IterationNearest(report.run(), 80));
@@ -91,6 +114,7 @@ RunReport Compute(const Options& options, const Plan& plan, const engine::RunOpt
   }
   report.document = engine::MakeRunDocument(plan, parts);
   report.document.inputs = InputTables(plan, report.weather);
+  report.document.inputs.insert(report.document.inputs.begin(), OptionsTable(options));
   return report;
 }
 
@@ -114,10 +138,18 @@ void RequireOutputsApart(const Options& options) {
     RequireOtherFile("--json", options.json, input);
     RequireOtherFile("--samples", options.samples, input);
     RequireOtherFile("--csv", options.csv, input);
+    RequireOtherFile("--report", options.report, input);
   }
-  if (!options.json.empty() && options.json == options.samples) {
-    throw BadCommandLine("--json and --samples: expected two different files, found \"" +
-                         options.json + "\" twice");
+  const std::pair<const char*, const std::string&> files[] = {
+      {"--json", options.json}, {"--samples", options.samples}, {"--report", options.report}};
+  for (std::size_t i = 0; i < std::size(files); ++i) {
+    for (std::size_t j = i + 1; j < std::size(files); ++j) {
+      if (!files[i].second.empty() && files[i].second == files[j].second) {
+        throw BadCommandLine(
+            fmt::format("{} and {}: expected two different files, found \"{}\" twice",
+                        files[i].first, files[j].first, files[i].second));
+      }
+    }
   }
 }
 
@@ -152,8 +184,12 @@ ExitCode RunPlan(const Options& options, Console& console) {
   std::vector<PendingOutput> files;
   std::vector<PendingFolder> folders;
   if (!stopped) {  // what a stopped run has found depends on when it was stopped
+    const Json json = options.json.empty() && options.report.empty() ? Json() : RunJson(report);
     if (!options.json.empty()) {
-      files.emplace_back(console, options.json, RunJson(plan, report));
+      files.emplace_back(console, options.json, JsonText(json));
+    }
+    if (!options.report.empty()) {
+      files.emplace_back(console, options.report, ReportPage(json));
     }
     if (!options.samples.empty()) {
       files.emplace_back(console, options.samples, RunSamplesCsv(plan, report));
@@ -162,7 +198,8 @@ ExitCode RunPlan(const Options& options, Console& console) {
       folders.push_back(CsvFolder(options, report));
     }
   }
-  const bool data_to_output = options.json == "-" || options.samples == "-";
+  const bool data_to_output =
+      options.json == "-" || options.samples == "-" || options.report == "-";
   if (!data_to_output || stopped) {
     // Whoever reads data from standard output finds data there, or nothing.
     std::ostream& out = data_to_output ? console.err : console.out;
@@ -218,6 +255,11 @@ void DeclareOutput(CLI::App& command, Options& options) {
                   "Write all tables of the results as CSV files into this folder")
       ->type_name("FOLDER");
   command
+      .add_option("--report", options.report,
+                  "Write a report with charts as one HTML file that needs no network; \"-\" is "
+                  "standard output, in place of the text")
+      ->type_name("FILE.html");
+  command
       .add_option("--tasks", options.tasks,
                   "IDs of tasks to list, and to keep one by one in --samples")
       ->type_name("ID,ID...")
@@ -242,6 +284,7 @@ void AddRunCommand(CLI::App& app, Console& console, Action& action) {
       "  nimbrel run bridge.xer --weather weather.json --iterations 5000 --seed 7\n"
       "  nimbrel run bridge.nplan --sampling lhs --until 3 --iterations 20000\n"
       "  nimbrel run bridge.nplan --attribute --milestone MS080 --csv tables\n"
+      "  nimbrel run bridge.nplan --attribute --compare --report report.html\n"
       "  nimbrel run bridge.nplan --json - --quiet\n"
       "  nimbrel run bridge.nplan --samples samples.csv --tasks MS080,MS090");
   command->callback([options, &console, &action] {

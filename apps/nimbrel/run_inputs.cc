@@ -2,11 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "nimbrel/json_text.h"
+#include "nimbrel/plan_facts.h"
 #include "nimbrel/weather_json.h"
 #include "nimbrel/wiring.h"
 
@@ -48,6 +50,67 @@ InputTable Durations(const Plan& plan) {
                           ShapeName(task.range->shape)});
   }
   return table;
+}
+
+/// What the ranges of each shape are like, on average.
+InputTable Shapes(const Plan& plan) {
+  InputTable table{
+      "Durations by shape", {"shape", "tasks", "min, % of likely", "max, % of likely"}, {}};
+  for (const engine::Shape shape : {engine::Shape::kTriangular, engine::Shape::kPert,
+                                    engine::Shape::kUniform, engine::Shape::kSingle}) {
+    std::int64_t tasks = 0;
+    std::int64_t comparable = 0;
+    double least = 0;
+    double most = 0;
+    for (const Task& task : plan.tasks()) {
+      if (CarriesWeather(task) || !task.range.has_value() || task.IsFinished() ||
+          task.range->shape != shape) {
+        continue;
+      }
+      ++tasks;
+      if (task.range->likely > 0) {
+        ++comparable;
+        least += task.range->minimum / task.range->likely;
+        most += task.range->maximum / task.range->likely;
+      }
+    }
+    if (tasks > 0) {
+      const auto percent = [comparable](double sum) {
+        return comparable == 0 ? std::string()
+                               : fmt::format("{:.1f}", 100 * sum / static_cast<double>(comparable));
+      };
+      table.rows.push_back(
+          {ShapeName(shape), std::to_string(tasks), percent(least), percent(most)});
+    }
+  }
+  return table;
+}
+
+std::string UnitName(engine::TimeUnit unit) {
+  switch (unit) {
+    case engine::TimeUnit::kHours:
+      return "hours";
+    case engine::TimeUnit::kQuarters:
+      return "quarters of an hour";
+    case engine::TimeUnit::kDays:
+      break;
+  }
+  return "days";
+}
+
+InputTable PlanFacts(const Plan& plan) {
+  const PlanCounts counts = CountPlan(plan);
+  return {"Plan",
+          {"what", "value"},
+          {{"name", plan.name},
+           {"title", plan.title},
+           {"data date", DateText(plan.data_date)},
+           {"time unit", UnitName(plan.time_unit)},
+           {"hours a day", Number(plan.hours_per_day)},
+           {"tasks", std::to_string(counts.tasks)},
+           {"milestones", std::to_string(counts.milestones)},
+           {"links", std::to_string(counts.links)},
+           {"tasks with three points", std::to_string(counts.ranges)}}};
 }
 
 InputTable Risks(const Plan& plan) {
@@ -124,7 +187,7 @@ InputTable Correlations(const Plan& plan) {
 }  // namespace
 
 std::vector<InputTable> InputTables(const Plan& plan, bool weather) {
-  std::vector<InputTable> tables = {Durations(plan), Risks(plan)};
+  std::vector<InputTable> tables = {PlanFacts(plan), Shapes(plan), Durations(plan), Risks(plan)};
   if (weather) {
     const Weather all = ReadWeather(plan);
     tables.push_back(Periods(all));

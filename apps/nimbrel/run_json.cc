@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstddef>
 #include <initializer_list>
 #include <string>
@@ -19,8 +20,13 @@ using engine::Instant;
 using engine::Percentile;
 using engine::RunDocument;
 
-double Days(double days) {
-  return Rounded(days, 2);
+/// Null for what is not a number, as the bounds of an interval that too few samples do not have.
+Json Number(double value, int decimals) {
+  return std::isfinite(value) ? Json(Rounded(value, decimals)) : Json(nullptr);
+}
+
+Json Days(double days) {
+  return Number(days, 2);
 }
 
 Json ToJson(Instant date) {
@@ -123,10 +129,10 @@ Json DelayJson(const DayStatistics& delay, std::initializer_list<int> wanted) {
 }
 
 Json FiguresJson(const DayFigures& figures) {
-  return {{"mean", Days(figures.mean)},
-          {"p50", Days(figures.p50)},
-          {"p80", Days(figures.p80)},
-          {"p90", Days(figures.p90)}};
+  Json json;
+  json["mean"] = Days(figures.mean);
+  PutPercentiles(figures, {50, 80, 90}, json);
+  return json;
 }
 
 Json AttributionJson(const engine::Attribution& attribution) {
@@ -170,9 +176,11 @@ Json SensitivitiesJson(const RunDocument& document) {
   for (const engine::Sensitivity& target : document.sensitivities) {
     Json one;
     one["target"] = target.id.empty() ? Json(nullptr) : Json(target.id);
+    one["name"] = target.id.empty() ? Json(nullptr) : Json(target.name);
     one["tasks"] = Json::array();
     for (const engine::TaskDrive& task : target.tasks) {
       one["tasks"].push_back({{"id", task.id},
+                              {"name", task.name},
                               {"criticality", Rounded(task.criticality, 4)},
                               {"sensitivity", Rounded(task.sensitivity, 4)},
                               {"cruciality", Rounded(task.cruciality, 4)},
@@ -194,6 +202,10 @@ Json HeatMapsJson(const RunDocument& document) {
     for (const double chance : map.chance) {
       one["chance"].push_back(Rounded(chance, 4));
     }
+    one["months"] = Json::object();
+    for (const engine::MonthLoss& month : map.months) {
+      one["months"][month.month] = Rounded(month.days, 4);
+    }
     json.push_back(std::move(one));
   }
   return json;
@@ -208,6 +220,7 @@ Json ChainJson(const engine::CriticalChain& chain) {
     Json one;
     one["id"] = task.id;
     one["name"] = task.name;
+    one["milestone"] = task.is_milestone;
     one["start"] = DateJson(task.start);
     one["finish"] = DateJson(task.finish);
     one["pushed"] = task.is_pushed;
@@ -231,6 +244,10 @@ Json InputsJson(const RunDocument& document) {
 
 /// What came later than the keys before it, and stands behind them.
 void PutDetails(const RunDocument& document, Json& json) {
+  json["title"] = document.title;
+  json["data_date"] = DateJson(document.data_date);
+  json["deterministic"]["share"] = Rounded(document.deterministic_share, 4);
+  json["iterations_asked"] = document.choices.iterations_asked;
   json["sampling"] = document.choices.sampling;
   if (const auto& until = document.choices.until) {
     json["until"] = {
@@ -256,20 +273,20 @@ void PutDetails(const RunDocument& document, Json& json) {
 
 }  // namespace
 
-std::string RunJson(const engine::Plan& plan, const RunReport& report) {
+Json RunJson(const RunReport& report) {
   const RunDocument& document = report.document;
   Json json;
   json["version"] = document.version;
-  json["plan"] = plan.name;
+  json["plan"] = document.plan;
   json["iterations"] = document.choices.iterations;
   json["seed"] = document.choices.seed;
-  json["time_unit"] = static_cast<std::int32_t>(plan.time_unit);
+  json["time_unit"] = static_cast<std::int32_t>(document.time_unit);
   json["weather"] = report.weather;
   json["deterministic"]["finish"] = DateJson(document.deterministic_finish);
   json["finish"] = FinishJson(document.finish.statistics);
   if (report.compared) {
     json["without_weather"]["finish"] = FinishJson(document.without_weather->statistics);
-    json["weather_delay_days"] = DelayJson(report.results.delay, {50, 80});
+    json["weather_delay_days"] = DelayJson(*document.weather_delay, {50, 80});
   }
   PutCalendars(document, json);
   json["tasks"] = Json::array();
@@ -278,7 +295,7 @@ std::string RunJson(const engine::Plan& plan, const RunReport& report) {
   }
   json["warnings"] = document.warnings;
   PutDetails(document, json);
-  return JsonText(json);
+  return json;
 }
 
 }  // namespace nimbrel::cli

@@ -38,8 +38,18 @@ std::string DaysText(double days) {
   return fmt::format("{:.1f} days", Rounded(days, 1));
 }
 
+/// "-" where there are too few samples for an interval.
 std::string IntervalText(double low, double high) {
-  return fmt::format("{:.1f} .. {:.1f}", Rounded(low, 1), Rounded(high, 1));
+  return std::isnan(low) ? "-" : fmt::format("{:.1f} .. {:.1f}", Rounded(low, 1), Rounded(high, 1));
+}
+
+/// "19.7 days (18.2 .. 20.7)".
+std::string WithInterval(const std::string& value, double low, double high) {
+  return std::isnan(low) ? value : fmt::format("{} ({})", value, IntervalText(low, high));
+}
+
+std::string IntervalText(Instant low, Instant high) {
+  return low.IsAbsent() ? "-" : DayText(low) + " .. " + DayText(high);
 }
 
 /// What was run, and how far a stopped run has come.
@@ -61,20 +71,24 @@ std::string Heading(const Plan& plan, const RunReport& report) {
 
 /// The plan's finish, one column for each way it was run.
 std::string FinishTable(const RunReport& report) {
-  std::vector<std::pair<std::string, const RunResult*>> runs;
+  const engine::RunDocument& document = report.document;
+  const DateStatistics nothing;
+  std::vector<std::pair<std::string, const DateStatistics*>> runs;
   if (report.compared) {
-    runs.emplace_back("without weather", &report.results.without_weather);
+    runs.emplace_back("without weather", document.without_weather.has_value()
+                                             ? &document.without_weather->statistics
+                                             : &nothing);
   }
   runs.emplace_back(report.weather    ? "with weather"
                     : report.compared ? "again"
                                       : "",
-                    &report.run());
+                    &document.finish.statistics);
 
   TextTable table(std::vector<TextTable::Align>(runs.size() + 1, kLeft));
   const auto row = [&](const std::string& name, const auto& cell) {
     std::vector<std::string> cells = {name};
-    for (const auto& [title, run] : runs) {
-      cells.push_back(run->iterations() > 0 ? cell(run->finish) : "-");
+    for (const auto& [title, finish] : runs) {
+      cells.push_back(finish->count > 0 ? cell(*finish) : "-");
     }
     table.AddRow(std::move(cells));
   };
@@ -88,7 +102,7 @@ std::string FinishTable(const RunReport& report) {
     row(fmt::format("P{}", PercentilesOf(DateStatistics{})[i].percent),
         [i](const DateStatistics& f) { return DayText(PercentilesOf(f)[i].value); });
     row("  95% interval", [i](const DateStatistics& f) {
-      return DayText(PercentilesOf(f)[i].low) + " .. " + DayText(PercentilesOf(f)[i].high);
+      return IntervalText(PercentilesOf(f)[i].low, PercentilesOf(f)[i].high);
     });
   }
   row("mean", [](const DateStatistics& f) { return DayText(f.mean); });
@@ -98,18 +112,17 @@ std::string FinishTable(const RunReport& report) {
          "\n";
 }
 
-std::string DelayLine(const RunReport& report) {
-  const engine::DayStatistics& delay = report.results.delay;
-  return fmt::format("Delay by weather: mean {}, P50 {} ({}), P80 {} ({})\n", DaysText(delay.mean),
-                     DaysText(delay.p50), IntervalText(delay.p50_low, delay.p50_high),
-                     DaysText(delay.p80), IntervalText(delay.p80_low, delay.p80_high));
+std::string DelayLine(const engine::DayStatistics& delay) {
+  return fmt::format("Delay by weather: mean {}, P50 {}, P80 {}\n", DaysText(delay.mean),
+                     WithInterval(DaysText(delay.p50), delay.p50_low, delay.p50_high),
+                     WithInterval(DaysText(delay.p80), delay.p80_low, delay.p80_high));
 }
 
-std::string CalendarTable(const RunResult& run) {
+std::string CalendarTable(const engine::RunDocument& document) {
   TextTable table({kLeft, kLeft, kRight, kRight, kRight});
   table.AddRow({"Weather calendar", "kind", "lost days, mean", "P80", "95% interval"});
   table.AddRule();
-  for (const engine::CalendarResult& calendar : run.calendars) {
+  for (const engine::CalendarLoss& calendar : document.calendars) {
     table.AddRow({CutTo(calendar.name, kNameWidth), calendar.kind,
                   fmt::format("{:.1f}", Rounded(calendar.lost_days.mean, 1)),
                   fmt::format("{:.1f}", Rounded(calendar.lost_days.p80, 1)),
@@ -128,8 +141,9 @@ std::string AttributionText(const engine::RunDocument& document, bool chart,
   const auto row = [&table](const std::string& name, const std::string& way,
                             const engine::DayFigures& cost) {
     std::vector<std::string> cells = {CutTo(name, kNameWidth), way};
-    for (const double days : {cost.mean, cost.p50, cost.p80, cost.p90}) {
-      cells.push_back(fmt::format("{:.1f}", Rounded(days, 1)));
+    cells.push_back(fmt::format("{:.1f}", Rounded(cost.mean, 1)));
+    for (const auto& p : PercentilesOf(cost)) {
+      cells.push_back(WithInterval(fmt::format("{:.1f}", Rounded(p.value, 1)), p.low, p.high));
     }
     table.AddRow(std::move(cells));
   };
@@ -187,14 +201,21 @@ std::string SensitivityText(const engine::Sensitivity& target, const Terminal& t
 }
 
 std::string UntilLine(const engine::UntilOutcome& until) {
+  if (std::isnan(until.width_days)) {
+    return fmt::format("Too few iterations for a 95% interval of P80; {:g} days were asked for.\n",
+                       until.days);
+  }
   return fmt::format("The 95% interval of P80 is {:.1f} days wide; {:g} were asked for{}\n",
                      Rounded(until.width_days, 1), until.days,
                      until.met ? "." : ", and not reached.");
 }
 
-/// A percentile of a date with its interval: "2027-08-18 (08-17 .. 08-21)".
+/// A percentile of a date with its interval, if it has one: "2027-08-18 (08-17 .. 08-21)".
 std::string PercentileText(const engine::Percentile<Instant>& percentile) {
   const std::string value = DayText(percentile.value);
+  if (percentile.low.IsAbsent()) {
+    return value;
+  }
   const auto bound = [&value](Instant instant) {
     const std::string day = DayText(instant);
     return day.substr(0, 5) == value.substr(0, 5) ? day.substr(5) : day;
@@ -202,48 +223,48 @@ std::string PercentileText(const engine::Percentile<Instant>& percentile) {
   return fmt::format("{} ({} .. {})", value, bound(percentile.low), bound(percentile.high));
 }
 
-std::string TaskTable(const Plan& plan, const std::string& title,
-                      const std::vector<const TaskResult*>& results) {
+std::string TaskTable(const std::string& title,
+                      const std::vector<const engine::DatedTask*>& results) {
   TextTable table({kLeft, kLeft, kRight, kLeft, kLeft, kRight});
   table.AddRow({title, "", "critical", "finish P50", "finish P80", "pushed"});
   table.AddRule();
-  for (const TaskResult* result : results) {
-    const engine::Task& task = *plan.FindTask(result->task);
-    const auto percentiles = PercentilesOf(result->finish);
-    table.AddRow({CutTo(task.id, 20), CutTo(task.description, kNameWidth),
-                  fmt::format("{:.0f}%", result->criticality * 100), PercentileText(percentiles[1]),
-                  PercentileText(percentiles[2]),
-                  result->nosplit_pushed_days > 0
-                      ? fmt::format("{:.1f} d", result->nosplit_pushed_days)
-                      : ""});
+  for (const engine::DatedTask* task : results) {
+    const auto percentiles = PercentilesOf(task->finish);
+    table.AddRow(
+        {CutTo(task->id, 20), CutTo(task->name, kNameWidth),
+         fmt::format("{:.0f}%", task->criticality * 100), PercentileText(percentiles[1]),
+         PercentileText(percentiles[2]),
+         task->nosplit_pushed_days > 0 ? fmt::format("{:.1f} d", task->nosplit_pushed_days) : ""});
   }
   return table.Text();
 }
 
 /// The tasks that drove the finish most often; the earlier in the plan the first among equals.
-std::vector<const TaskResult*> MostCritical(const Plan& plan, const RunResult& run) {
-  std::vector<const TaskResult*> results;
-  for (const TaskResult& result : run.tasks) {
-    const engine::Task& task = *plan.FindTask(result.task);
-    if (result.criticality > 0 && task.kind == engine::TaskKind::kTask && !task.IsFinished()) {
-      results.push_back(&result);
+/// The document's tasks stand in the order of the run's.
+std::vector<const engine::DatedTask*> MostCritical(const Plan& plan, const RunReport& report) {
+  std::vector<const engine::DatedTask*> results;
+  for (std::size_t i = 0; i < report.document.tasks.size(); ++i) {
+    const engine::Task& task = *plan.FindTask(report.run().tasks[i].task);
+    const engine::DatedTask& dated = report.document.tasks[i];
+    if (dated.criticality > 0 && task.kind == engine::TaskKind::kTask && !dated.is_finished) {
+      results.push_back(&dated);
     }
   }
-  std::stable_sort(results.begin(), results.end(), [](const TaskResult* a, const TaskResult* b) {
-    return a->criticality > b->criticality;
-  });
+  std::stable_sort(results.begin(), results.end(),
+                   [](const auto* a, const auto* b) { return a->criticality > b->criticality; });
   results.resize(std::min(results.size(), kMostCritical));
   return results;
 }
 
-std::vector<const TaskResult*> ResultsOf(const RunResult& run,
-                                         const std::vector<engine::Uid>& tasks) {
-  std::vector<const TaskResult*> results;
+std::vector<const engine::DatedTask*> ResultsOf(const RunReport& report,
+                                                const std::vector<engine::Uid>& tasks) {
+  std::vector<const engine::DatedTask*> results;
+  const std::vector<TaskResult>& all = report.run().tasks;
   for (const engine::Uid uid : tasks) {
-    const auto found = std::find_if(run.tasks.begin(), run.tasks.end(),
-                                    [uid](const TaskResult& r) { return r.task == uid; });
-    if (found != run.tasks.end()) {
-      results.push_back(&*found);
+    const auto found =
+        std::find_if(all.begin(), all.end(), [uid](const TaskResult& r) { return r.task == uid; });
+    if (found != all.end()) {
+      results.push_back(&report.document.tasks[static_cast<std::size_t>(found - all.begin())]);
     }
   }
   return results;
@@ -259,8 +280,8 @@ std::string RunText(const Plan& plan, const RunReport& report,
     text += "Without weather.\n";
   }
   text += "\n" + FinishTable(report);
-  if (report.compared && !report.results.delay_minutes.empty()) {
-    text += DelayLine(report);
+  if (report.compared && report.document.weather_delay.has_value()) {
+    text += DelayLine(*report.document.weather_delay);
   }
   if (report.document.choices.until.has_value() && run.iterations() > 0) {
     text += UntilLine(*report.document.choices.until);
@@ -271,7 +292,7 @@ std::string RunText(const Plan& plan, const RunReport& report,
                                terminal);
   }
   if (!run.calendars.empty()) {
-    text += "\n" + CalendarTable(run);
+    text += "\n" + CalendarTable(report.document);
   }
   if (report.document.attribution.has_value()) {
     text += "\n" + AttributionText(report.document, chart, terminal);
@@ -282,12 +303,12 @@ std::string RunText(const Plan& plan, const RunReport& report,
       text += SensitivityText(target, terminal);
     }
   }
-  const auto critical = MostCritical(plan, run);
+  const auto critical = MostCritical(plan, report);
   if (!critical.empty()) {
-    text += "\n" + TaskTable(plan, "Most critical", critical);
+    text += "\n" + TaskTable("Most critical", critical);
   }
   if (!asked.empty() && run.iterations() > 0) {
-    text += "\n" + TaskTable(plan, "Asked for", ResultsOf(run, asked));
+    text += "\n" + TaskTable("Asked for", ResultsOf(report, asked));
   }
   if (!report.document.warnings.empty()) {
     text += "\nWarnings\n";

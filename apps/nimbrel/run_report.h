@@ -5,6 +5,7 @@
 #include "engine/plan/plan.h"
 #include "engine/results/run_document.h"
 #include "engine/results/run_result.h"
+#include "nimbrel/json_text.h"
 
 namespace nimbrel::cli {
 
@@ -22,10 +23,11 @@ struct RunReport {
 /// Whether not all iterations were done that were asked for.
 bool IsStopped(const RunReport& report);
 
-/// The report as JSON, with a line break at its end. The same bytes for the same plan, options and
-/// seed. Dates are local, to the minute; a date at midnight is written as 00:00 of the day that
-/// begins. Days are rounded to 2 decimals, shares to 4.
-std::string RunJson(const engine::Plan& plan, const RunReport& report);
+/// The report as JSON, in keys that always stand in the same order: the same bytes for the same
+/// plan, options and seed. Dates are local, to the minute; a date at midnight is written as 00:00
+/// of the day that begins. Days are rounded to 2 decimals, shares to 4. Bounds of intervals for
+/// which there are too few samples are null.
+Json RunJson(const RunReport& report);
 
 /// One line an iteration: its number, the plan's finish, start and finish of each task asked for,
 /// and with a comparison the plan's finish without weather.

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -18,8 +19,9 @@ using engine::DayStatistics;
 using engine::RunDocument;
 using Row = std::vector<std::string>;
 
+/// Nothing for what is not a number: see engine::LeaveOutIntervals.
 std::string Number(double value, int decimals = 2) {
-  return fmt::format("{}", Rounded(value, decimals));
+  return std::isfinite(value) ? fmt::format("{}", Rounded(value, decimals)) : "";
 }
 
 std::string Cell(engine::Instant date) {
@@ -62,7 +64,8 @@ ResultTable RunTable(const RunDocument& document) {
                 {"iterations", std::to_string(choices.iterations)},
                 {"sampling", choices.sampling},
                 {"weather", choices.weather ? "yes" : "no"},
-                {"deterministic finish", DateText(document.deterministic_finish)}};
+                {"deterministic finish", DateText(document.deterministic_finish)},
+                {"share finished by then", Number(document.deterministic_share, 4)}};
   if (choices.until.has_value()) {
     table.rows.push_back({"interval of P80 asked for, days", Number(choices.until->days, 4)});
     table.rows.push_back({"interval of P80, days", Number(choices.until->width_days)});
@@ -147,6 +150,16 @@ ResultTable HeatTable(const RunDocument& document) {
   return table;
 }
 
+ResultTable MonthsTable(const RunDocument& document) {
+  ResultTable table{"months", {"calendar", "month", "days"}, {}};
+  for (const engine::HeatMap& map : document.heat_maps) {
+    for (const engine::MonthLoss& month : map.months) {
+      table.rows.push_back({map.name, month.month, Number(month.days, 4)});
+    }
+  }
+  return table;
+}
+
 ResultTable SensitivityTable(const RunDocument& document) {
   ResultTable table{"sensitivity",
                     {"target", "id", "name", "criticality", "sensitivity", "cruciality", "ssi"},
@@ -163,23 +176,20 @@ ResultTable SensitivityTable(const RunDocument& document) {
 
 Row CostRow(const std::string& name, const std::string& way, const DateStatistics& finish,
             const engine::DayFigures& cost) {
-  Row row = {name,
-             way,
-             Number(cost.mean),
-             Number(cost.p50),
-             Number(cost.p80),
-             Number(cost.p90),
-             DateText(finish.mean)};
+  Row row = {name, way, Number(cost.mean)};
+  AddPercentiles(cost, row);
+  row.push_back(DateText(finish.mean));
   AddPercentiles(finish, row);
   return row;
 }
 
 ResultTable AttributionTable(const engine::Attribution& attribution) {
-  ResultTable table{
-      "attribution",
-      With({"calendar", "way", "cost_mean", "cost_p50", "cost_p80", "cost_p90", "finish_mean"},
-           kPercentileColumns),
-      {}};
+  ResultTable table{"attribution",
+                    With({"calendar", "way", "cost_mean", "cost_p50", "cost_p50_low",
+                          "cost_p50_high", "cost_p80", "cost_p80_low", "cost_p80_high", "cost_p90",
+                          "cost_p90_low", "cost_p90_high", "finish_mean"},
+                         kPercentileColumns),
+                    {}};
   table.rows.push_back(CostRow("", "none", attribution.none, attribution.cost));
   for (const engine::CalendarAttribution& calendar : attribution.calendars) {
     table.rows.push_back(CostRow(calendar.name, "left out", calendar.left_out, calendar.cost));
@@ -245,6 +255,7 @@ std::vector<ResultTable> TablesOf(const RunDocument& document) {
                                      DatedTable("milestones", document.milestones),
                                      CalendarsTable(document),
                                      HeatTable(document),
+                                     MonthsTable(document),
                                      SensitivityTable(document),
                                      LedgerTable(document),
                                      ChainTable(document.chain),

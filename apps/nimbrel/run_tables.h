@@ -10,8 +10,9 @@ namespace nimbrel::cli {
 
 /// The names that tables can have.
 inline constexpr const char* kTableNames[] = {
-    "run",      "finish",      "curve",  "histogram",      "tasks",  "milestones", "calendars",
-    "heat_map", "sensitivity", "ledger", "critical_chain", "inputs", "attribution"};
+    "run",        "finish",         "curve",    "histogram",  "tasks",
+    "milestones", "calendars",      "heat_map", "months",     "sensitivity",
+    "ledger",     "critical_chain", "inputs",   "attribution"};
 
 /// A table of a run's results as text.
 struct ResultTable {

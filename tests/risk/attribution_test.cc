@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -65,15 +66,23 @@ TEST(Attribution, OfCalendarsThatOverlapIsTheOneWorkedOutByHand) {
   EXPECT_THAT(DaysLate(found.alone[0], 0), ElementsAre(13, 13));
   EXPECT_THAT(DaysLate(found.alone[1], 0), ElementsAre(14, 14));
 
-  const RunDocument document = MakeRunDocument(plan.plan, {.run = run, .weather = true});
+  // Every iteration is like the other, and 40 are enough for intervals.
+  const RunResult longer = Attribute(plan, 40);
+  const RunDocument document = MakeRunDocument(plan.plan, {.run = longer, .weather = true});
   const Attribution& told = *document.attribution;
-  EXPECT_EQ(told.cost, (DayFigures{6, 6, 6, 6}));
-  EXPECT_EQ(told.calendars[0].cost, (DayFigures{2, 2, 2, 2}));
-  EXPECT_EQ(told.calendars[1].cost, (DayFigures{3, 3, 3, 3}));
-  EXPECT_EQ(told.calendars[0].cost_alone, (DayFigures{3, 3, 3, 3}));
-  EXPECT_EQ(told.calendars[1].cost_alone, (DayFigures{4, 4, 4, 4}));
+  const auto days = [](double d) { return DayFigures{d, d, d, d, d, d, d, d, d, d}; };
+  EXPECT_EQ(told.cost, days(6));
+  EXPECT_EQ(told.calendars[0].cost, days(2));
+  EXPECT_EQ(told.calendars[1].cost, days(3));
+  EXPECT_EQ(told.calendars[0].cost_alone, days(3));
+  EXPECT_EQ(told.calendars[1].cost_alone, days(4));
   EXPECT_EQ(told.calendars[1].delay.p80, 3);
   EXPECT_EQ(told.calendars[1].delay_alone.p80_high, 4);
+
+  const RunDocument small = MakeRunDocument(plan.plan, {.run = run, .weather = true});
+  EXPECT_EQ(small.attribution->cost.p80, 6);
+  EXPECT_TRUE(std::isnan(small.attribution->cost.p80_low)) << "2 iterations have no interval";
+  EXPECT_TRUE(small.finish.statistics.p80_low.IsAbsent());
 }
 
 TEST(Attribution, OfOneCalendarIsThatOfAllWeather) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,6 +17,9 @@ namespace nimbrel::engine {
 /// place of identities, shares from 0 to 1, lengths of time in calendar days, days counted as in
 /// Instant. Outputs (JSON, CSV, text, report) read this and nothing else, so that they cannot
 /// differ. Texts come from the plan as they are and may hold any UTF-8, markup included.
+///
+/// An interval that the sample is too small for (HasQuantileInterval) has absent dates, or bounds
+/// that are not a number, for its bounds.
 ///
 /// MakeRunDocument (engine/risk/run_document_maker.h) fills in all of it but `inputs` and
 /// `warnings`, which the program adds, because what weather is and how it is stored is known there
@@ -50,7 +54,7 @@ struct FinishDistribution {
 /// How exact the run was asked to be.
 struct UntilOutcome {
   double days = 0;        // the width that was asked for, of the 95% interval of P80
-  double width_days = 0;  // the width at the end of the run
+  double width_days = 0;  // the width at the end of the run; not a number without an interval
   bool met = false;
 };
 
@@ -69,8 +73,13 @@ struct RunChoices {
 /// iterations finish: the difference of the two means, of the two P50s and so on.
 struct DayFigures {
   double mean = 0, p50 = 0, p80 = 0, p90 = 0;
+  // Their 95% intervals: see HalfWidthOfDifference.
+  double p50_low = 0, p50_high = 0, p80_low = 0, p80_high = 0, p90_low = 0, p90_high = 0;
   friend bool operator==(const DayFigures&, const DayFigures&) = default;
 };
+
+/// Its percentiles with their intervals, in order.
+std::array<Percentile<double>, 3> PercentilesOf(const DayFigures& figures);
 
 /// What one weather calendar does to the plan's finish.
 struct CalendarAttribution {
@@ -125,6 +134,12 @@ struct Sensitivity {
   std::vector<TaskDrive> tasks;  // those with any figure above 0, the greatest cruciality first
 };
 
+/// Mean days that a calendar loses in a month: the sum of the month's chances.
+struct MonthLoss {
+  std::string month;  // "YYYY-MM"
+  double days = 0;
+};
+
 /// The chance that a calendar loses each day: one figure a day from `first_day` on, up to the last
 /// day that any iteration loses. Empty for a calendar that loses none. Every open day that is
 /// lost counts, whether or not a task works on it.
@@ -133,6 +148,7 @@ struct HeatMap {
   std::string kind;
   std::int32_t first_day = 0;
   std::vector<double> chance;
+  std::vector<MonthLoss> months;  // from the first to the last month of `chance`
 };
 
 /// A milestone or task, over the iterations.
@@ -190,8 +206,9 @@ struct RunDocument {
   Instant data_date;
   RunChoices choices;
 
-  Instant deterministic_finish;  // on likely durations, without weather
-  FinishDistribution finish;     // with weather, unless choices.weather is false
+  Instant deterministic_finish;    // on likely durations, without weather
+  double deterministic_share = 0;  // of the iterations that finish by then
+  FinishDistribution finish;       // with weather, unless choices.weather is false
   std::optional<FinishDistribution> without_weather;  // with --compare or --attribute
   std::optional<DayStatistics> weather_delay;         // likewise; finish less finish without
 

@@ -6,8 +6,12 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <span>
 #include <utility>
+
+#include "engine/results/intervals.h"
+#include "engine/results/paired.h"
 
 namespace nimbrel::engine {
 namespace {
@@ -74,16 +78,96 @@ FinishDistribution DistributionOf(Samples samples, DayRange days) {
   return {DateSummarizer().Summarize(samples, true), CurveOf(samples), BarsOf(samples, days)};
 }
 
+/// Of the iterations, those that finish by a moment.
+double ShareBy(Samples samples, Instant moment) {
+  const auto done = std::count_if(samples.begin(), samples.end(), [moment](Instant sample) {
+    return sample.Minutes() <= moment.Minutes();
+  });
+  return static_cast<double>(done) / static_cast<double>(samples.size());
+}
+
+std::vector<MonthLoss> MonthsOf(const HeatMap& map) {
+  std::vector<MonthLoss> months;
+  for (std::size_t i = 0; i < map.chance.size(); ++i) {
+    const std::int32_t day = map.first_day + static_cast<std::int32_t>(i);
+    std::string month = ToIsoText(Instant(day, 0)).substr(0, 7);
+    if (months.empty() || months.back().month != month) {
+      months.push_back({std::move(month), 0});
+    }
+    months.back().days += map.chance[i];
+  }
+  return months;
+}
+
+/// Intervals stand in a document only where there are samples enough for them.
+void LeaveOutIntervals(RunDocument& document) {
+  LeaveOutIntervals(document.finish.statistics);
+  if (document.without_weather.has_value()) {
+    LeaveOutIntervals(document.without_weather->statistics);
+  }
+  if (document.weather_delay.has_value()) {
+    LeaveOutIntervals(*document.weather_delay);
+  }
+  for (CalendarLoss& calendar : document.calendars) {
+    LeaveOutIntervals(calendar.lost_days);
+  }
+  for (std::vector<DatedTask>* tasks : {&document.tasks, &document.milestones}) {
+    for (DatedTask& task : *tasks) {
+      LeaveOutInterval(task.finish.count, task.start);
+      LeaveOutIntervals(task.finish);
+    }
+  }
+  if (document.attribution.has_value()) {
+    Attribution& attribution = *document.attribution;
+    LeaveOutIntervals(attribution.all);
+    LeaveOutIntervals(attribution.none);
+    LeaveOutIntervals(attribution.delay);
+    for (CalendarAttribution& calendar : attribution.calendars) {
+      LeaveOutIntervals(calendar.left_out);
+      LeaveOutIntervals(calendar.alone);
+      LeaveOutIntervals(calendar.delay);
+      LeaveOutIntervals(calendar.delay_alone);
+    }
+  }
+}
+
 double DaysBetween(Instant later, Instant earlier) {
   return static_cast<double>(later.Minutes() - earlier.Minutes()) / kMinutesPerDay;
 }
 
-DayFigures Difference(const DateStatistics& of, const DateStatistics& less) {
-  if (of.count == 0 || less.count == 0) {
+/// A way in which the iterations finish.
+struct Way {
+  Samples samples;
+  const DateStatistics& statistics;
+};
+
+DayFigures Difference(const Way& of, const Way& less) {
+  if (of.statistics.count == 0 || less.statistics.count == 0) {
     return {};
   }
-  return {DaysBetween(of.mean, less.mean), DaysBetween(of.p50, less.p50),
-          DaysBetween(of.p80, less.p80), DaysBetween(of.p90, less.p90)};
+  DayFigures figures;
+  figures.mean = DaysBetween(of.statistics.mean, less.statistics.mean);
+  struct Members {
+    double DayFigures::*value;
+    double DayFigures::*low;
+    double DayFigures::*high;
+  };
+  constexpr std::array<Members, 3> kMembers = {
+      {{&DayFigures::p50, &DayFigures::p50_low, &DayFigures::p50_high},
+       {&DayFigures::p80, &DayFigures::p80_low, &DayFigures::p80_high},
+       {&DayFigures::p90, &DayFigures::p90_low, &DayFigures::p90_high}}};
+  for (std::size_t i = 0; i < kMembers.size(); ++i) {
+    const PairedPercentiles a{of.samples, PercentilesOf(of.statistics)[i + 1]};
+    const PairedPercentiles b{less.samples, PercentilesOf(less.statistics)[i + 1]};
+    const double days = DaysBetween(a.percentile.value, b.percentile.value);
+    const double half = HasQuantileInterval(of.statistics.count, a.percentile.percent)
+                            ? HalfWidthOfDifference(a, b)
+                            : std::numeric_limits<double>::quiet_NaN();
+    figures.*kMembers[i].value = days;
+    figures.*kMembers[i].low = days - half;
+    figures.*kMembers[i].high = days + half;
+  }
+  return figures;
 }
 
 DayStatistics Delay(Samples of, Samples less) {
@@ -115,11 +199,19 @@ class Maker {
       AddAttribution(*run_.attribution, document);
     }
     AddChain(document);
+    LeaveOutIntervals(document);
     document.warnings = run_.notes;
-    if (run_.until.days > 0 && !run_.until.met && !run_.stopped) {
-      document.warnings.push_back(fmt::format(
-          "The 95% interval of P80 is {:.1f} days wide after all {} iterations, not {:g} or less.",
-          run_.until.width_days, run_.iterations(), run_.until.days));
+    const auto& until = document.choices.until;
+    if (until.has_value() && !until->met && !run_.stopped) {
+      document.warnings.push_back(
+          std::isnan(until->width_days)
+              ? fmt::format("Too few iterations ({}) for a 95% interval of P80, and so for one of "
+                            "{:g} days "
+                            "or less.",
+                            run_.iterations(), until->days)
+              : fmt::format("The 95% interval of P80 is {:.1f} days wide after all {} iterations, "
+                            "not {:g} or less.",
+                            until->width_days, run_.iterations(), until->days));
     }
     return document;
   }
@@ -135,7 +227,11 @@ class Maker {
     choices.stopped = run_.stopped;
     choices.sampling = run_.latin_hypercube ? "lhs" : "mc";
     if (run_.until.days > 0) {
-      choices.until = UntilOutcome{run_.until.days, run_.until.width_days, run_.until.met};
+      const bool has_interval = HasQuantileInterval(run_.iterations(), 80);
+      choices.until = UntilOutcome{
+          run_.until.days,
+          has_interval ? run_.until.width_days : std::numeric_limits<double>::quiet_NaN(),
+          has_interval && run_.until.met};
     }
     choices.weather = parts_.weather;
     return choices;
@@ -166,6 +262,7 @@ class Maker {
       document.without_weather = DistributionOf(without, days);
     }
     document.finish = DistributionOf(with, days);
+    document.deterministic_share = ShareBy(with, document.deterministic_finish);
   }
 
   void AddCalendars(RunDocument& document) const {
@@ -179,6 +276,7 @@ class Maker {
       for (const std::uint32_t lost : calendar.day_counts) {
         map.chance.push_back(lost / count);
       }
+      map.months = MonthsOf(map);
     }
   }
 
@@ -259,7 +357,9 @@ class Maker {
     Attribution& into = document.attribution.emplace();
     into.all = run_.finish;
     into.none = summarizer.Summarize(found.none, true);
-    into.cost = Difference(into.all, into.none);
+    const Way with_all{all, into.all};
+    const Way with_none{found.none, into.none};
+    into.cost = Difference(with_all, with_none);
     into.delay = Delay(all, found.none);
     const auto count = static_cast<double>(run_.iterations());
     for (std::size_t i = 0; i < run_.calendars.size(); ++i) {
@@ -268,8 +368,8 @@ class Maker {
       calendar.kind = run_.calendars[i].kind;
       calendar.left_out = summarizer.Summarize(found.left_out[i], true);
       calendar.alone = summarizer.Summarize(found.alone[i], true);
-      calendar.cost = Difference(into.all, calendar.left_out);
-      calendar.cost_alone = Difference(calendar.alone, into.none);
+      calendar.cost = Difference(with_all, {found.left_out[i], calendar.left_out});
+      calendar.cost_alone = Difference({found.alone[i], calendar.alone}, with_none);
       calendar.delay = Delay(all, found.left_out[i]);
       calendar.delay_alone = Delay(found.alone[i], found.none);
       const LedgerResult& sums = found.ledger[i];
