@@ -7,7 +7,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 
-#include "tests/qt/test_forms.h"
+#include "tests/support/gestures/face_forms.h"
 #include "tests/qt/window_test.h"
 #include "toolkit/qt/item_view.h"
 

@@ -9,7 +9,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "tests/qt/test_forms.h"
+#include "tests/support/gestures/face_forms.h"
 #include "toolkit/qt/form_window.h"
 
 namespace nimbrel::toolkit::qt {
