@@ -307,7 +307,7 @@ TEST(MspdiReader, ADeadlineBoundsTheLateFinish) {
 TEST(MspdiReader, AManuallyScheduledTaskIsHeldAtItsStart) {
   const ReadResult result = Read(OneTask({{"Manual", "1"}, {"ConstraintType", "1"}}));
   EXPECT_EQ(TaskOf(result.plan, "1").constraint,
-            (Constraint{ConstraintType::kMandatoryStart, At("2027-03-01 08:00")}));
+            (Constraint{ConstraintType::kPlacedStart, At("2027-03-01 08:00")}));
   EXPECT_EQ(CountOf(result, "manually scheduled tasks: held"), 1);
   const ReadResult dateless = Read(OneTask({{"Manual", "1"}, {"Start", ""}}));
   EXPECT_EQ(TaskOf(dateless.plan, "1").constraint, Constraint{});
@@ -318,7 +318,7 @@ TEST(MspdiReader, AManuallyScheduledTaskIsHeldAtItsStart) {
 
 TEST(MspdiReader, TasksOfOtherProjectsAreHeldAtTheirStart) {
   const ReadResult result = Read(OneTask({{"ExternalTask", "1"}}));
-  EXPECT_EQ(TaskOf(result.plan, "1").constraint.type, ConstraintType::kMandatoryStart);
+  EXPECT_EQ(TaskOf(result.plan, "1").constraint.type, ConstraintType::kPlacedStart);
   EXPECT_EQ(CountOf(result, "stand for other projects"), 1);
 }
 

@@ -75,12 +75,19 @@ TEST(XerCalendar, TheSameTimeTwiceIsAWholeDay) {
   }
 }
 
+TEST(XerCalendar, AShiftToTheLastMinuteEndsWithTheDay) {
+  const CalendarDefinition calendar = Read(XerText::Data(
+      {"", XerText::Shift("00:00", "23:59"), XerText::Shift("13:00", "11:59PM"), "", "", "", ""}));
+  EXPECT_THAT(calendar.week[0], ElementsAre(Shift{0, 1440}));
+  EXPECT_THAT(calendar.week[1], ElementsAre(Shift{780, 1440}));
+}
+
 TEST(XerCalendar, TimesMayBeOfTheTwelveHourClock) {
   const CalendarDefinition calendar =
       Read(XerText::Data({"", XerText::Shift("12:00 AM", "12:30 PM"),
-                          XerText::Shift("01:15 pm", "11:59PM"), "", "", "", ""}));
+                          XerText::Shift("01:15 pm", "11:45PM"), "", "", "", ""}));
   EXPECT_THAT(calendar.week[0], ElementsAre(Shift{0, 750}));
-  EXPECT_THAT(calendar.week[1], ElementsAre(Shift{795, 1439}));
+  EXPECT_THAT(calendar.week[1], ElementsAre(Shift{795, 1425}));
 }
 
 TEST(XerCalendar, AShiftPastMidnightGoesOnInTheNextDay) {

@@ -128,8 +128,8 @@ void AddLists(Task& task, const References& known) {
 }
 
 void AddDates(Task& task) {
-  task.constraint = {AnyCode(ConstraintType::kAsLateAsPossible), AnyInstant()};
-  task.second_constraint = {AnyCode(ConstraintType::kAsLateAsPossible), AnyInstant()};
+  task.constraint = {AnyCode(ConstraintType::kPlacedStart), AnyInstant()};
+  task.second_constraint = {AnyCode(ConstraintType::kPlacedStart), AnyInstant()};
   task.actual_start = AnyInstant();
   task.actual_finish = AnyInstant();
   task.suspended = AnyInstant();

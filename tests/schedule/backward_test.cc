@@ -83,6 +83,30 @@ TEST_F(Backward, MandatoryDatesAreLateDatesToo) {
   EXPECT_THAT(scheduled.Breaches(), IsEmpty());
 }
 
+TEST_F(Backward, AStartAtWhichATaskIsPlacedLeavesItItsFloat) {
+  // A is placed on Wednesday, before "long", that it should wait for, has ended on Friday, and
+  // "end" may be late. The late dates of "long" go by when A may start at the latest.
+  small.Get("A").constraint = {ConstraintType::kPlacedStart, {kMonday + 2, 480}};
+  small.Join("long", "A");
+  small.plan.schedule.must_finish = {kMonday + 14, 1020};  // the third Monday
+  const Scheduled scheduled(small);
+  EXPECT_EQ(scheduled.Early("A"), "2027-03-03T08:00 to 2027-03-04T17:00");
+  EXPECT_EQ(scheduled.Late("A"), "2027-03-11T08:00 to 2027-03-12T17:00");
+  EXPECT_EQ(scheduled.Late("long"), "2027-03-04T08:00 to 2027-03-10T17:00");
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
+TEST_F(Backward, LinksFromAStartAtWhichATaskIsPlacedLimitNothing) {
+  small.Get("A").constraint = {ConstraintType::kPlacedStart, {kMonday, 480}};
+  small.plan.links.front().type = engine::LinkType::kStartToStart;
+  small.plan.links.front().lag_minutes = 2 * SmallPlan::kDay;
+  // Only the plan's finish on the second Monday limits it, not that "end" starts on that day at the
+  // latest.
+  EXPECT_EQ(Scheduled(small).Late("A"), "2027-03-05T08:00 to 2027-03-08T17:00");
+  small.Get("A").constraint = {};
+  EXPECT_EQ(Scheduled(small).Late("A"), "2027-03-04T08:00 to 2027-03-05T17:00");
+}
+
 TEST_F(Backward, AConstraintWithoutADateHoldsNothing) {
   const std::string early = Scheduled(small).Early("A");
   const std::string late = Scheduled(small).Late("A");

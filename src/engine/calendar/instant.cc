@@ -6,6 +6,9 @@
 namespace nimbrel::engine {
 namespace {
 
+/// The last day that an Instant can hold lies in the year 4770.
+constexpr std::int32_t kLastHeldDay = (1 << 20) - 1;
+
 /// Reads exactly `count` digits at `at`; -1 if they are not there.
 int ReadDigits(const std::string& text, std::size_t at, std::size_t count) {
   if (at + count > text.size()) {
@@ -70,6 +73,10 @@ Instant ParseIsoText(const std::string& text) {
       day > platform::DaysInMonth(year, month)) {
     return {};
   }
+  const std::int32_t serial = platform::SerialDay(year, month, day);
+  if (serial > kLastHeldDay) {
+    return {};
+  }
   int minute = 0;
   if (text.size() > 10) {
     minute = text[10] == 'T' || text[10] == ' ' ? ReadTimeOfDay(text, 11) : -1;
@@ -77,7 +84,7 @@ Instant ParseIsoText(const std::string& text) {
       return {};
     }
   }
-  return {platform::SerialDay(year, month, day), minute};
+  return {serial, minute};
 }
 
 }  // namespace nimbrel::engine

@@ -41,7 +41,8 @@ class Inspection {
                    [](const Task& task) {
                      const auto hard = [](Type type) {
                        return type == Type::kStartOn || type == Type::kFinishOn ||
-                              type == Type::kMandatoryStart || type == Type::kMandatoryFinish;
+                              type == Type::kMandatoryStart || type == Type::kMandatoryFinish ||
+                              type == Type::kPlacedStart;
                      };
                      return hard(task.constraint.type) || hard(task.second_constraint.type);
                    }),

@@ -172,6 +172,9 @@ std::string OwnCause(const Task& task) {
   if (is(ConstraintType::kMandatoryStart) || is(ConstraintType::kMandatoryFinish)) {
     return "a mandatory date overrides its logic";
   }
+  if (is(ConstraintType::kPlacedStart)) {
+    return "placed at its start whatever its links";
+  }
   return {};
 }
 

@@ -275,7 +275,7 @@ class TaskReader {
       warnings_.Add("tasks that stand for other projects: held at their start");
     }
     if ((is_manual || is_outside) && !start.IsAbsent()) {
-      task_.constraint = {ConstraintType::kMandatoryStart, start};
+      task_.constraint = {ConstraintType::kPlacedStart, start};
     } else if (element_.Number("LevelingDelay", 0) > 0 && !start.IsAbsent() &&
                task_.constraint.type == ConstraintType::kNone) {
       warnings_.Add("tasks moved by levelling: may not start earlier than they were moved to");

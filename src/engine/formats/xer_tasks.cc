@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 #include <utility>
 
 namespace nimbrel::engine {
@@ -183,11 +184,17 @@ void XerTaskReader::ReadResources() {
     return;
   }
   resources_read_ = true;
-  file_.ForEach("RSRC", [this](const XerRow& row) {
+  std::unordered_set<std::string_view> materials;  // these keep no hours
+  file_.ForEach("RSRC", [&](const XerRow& row) {
     calendar_by_resource_.emplace(row.Required("rsrc_id"), row.Text("clndr_id"));
+    if (row.Text("rsrc_type") == "RT_Mat") {
+      materials.insert(row.Text("rsrc_id"));
+    }
   });
-  file_.ForEach("TASKRSRC", [this](const XerRow& row) {
-    resource_by_task_.emplace(row.Required("task_id"), row.Text("rsrc_id"));
+  file_.ForEach("TASKRSRC", [&](const XerRow& row) {
+    if (!materials.contains(row.Text("rsrc_id"))) {
+      resource_by_task_.emplace(row.Required("task_id"), row.Text("rsrc_id"));
+    }
   });
 }
 

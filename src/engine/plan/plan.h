@@ -43,6 +43,7 @@ enum class ConstraintType : std::int32_t {
   kMandatoryStart = 7,   // overrides the logic
   kMandatoryFinish = 8,  // overrides the logic
   kAsLateAsPossible = 9,
+  kPlacedStart = 10,  // overrides the logic forward; late dates are as if it was not there
 };
 
 struct Constraint {

@@ -241,7 +241,7 @@ class Search {
 
   static void CheckDates(const std::string& where, const Task& task) {
     for (const Constraint& constraint : {task.constraint, task.second_constraint}) {
-      RequireCode(where, "a constraint", constraint.type, ConstraintType::kAsLateAsPossible);
+      RequireCode(where, "a constraint", constraint.type, ConstraintType::kPlacedStart);
       RequireDates(where, "a constraint's date", {constraint.date});
     }
     RequireDates(where, "dates of progress",

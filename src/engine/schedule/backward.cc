@@ -58,6 +58,18 @@ void AddConstraints(const Network& network, Slot slot, Ceilings& ceilings) {
   }
 }
 
+/// Whether the late dates go by mandatory dates alone. A start at which a task was only placed says
+/// nothing of how late it may come.
+bool HasMandatoryLateDates(const Network& network, Slot slot) {
+  const auto is_mandatory = [&network, slot](const Constraint& constraint) {
+    return !constraint.date.IsAbsent() && (constraint.type == ConstraintType::kMandatoryFinish ||
+                                           (constraint.type == ConstraintType::kMandatoryStart &&
+                                            !network.facts[slot].is_started));
+  };
+  const TaskFacts& facts = network.facts[slot];
+  return is_mandatory(facts.constraints[0]) || is_mandatory(facts.constraints[1]);
+}
+
 Ceilings MandatoryCeilings(const Network& network, Slot slot) {
   Ceilings ceilings;
   for (const Constraint& constraint : network.facts[slot].constraints) {
@@ -133,7 +145,7 @@ class LatePass {
 
   void FindLateDates() {
     Ceilings ceilings;
-    if (network_.nodes[slot_].is_mandatory) {
+    if (network_.nodes[slot_].is_mandatory && HasMandatoryLateDates(network_, slot_)) {
       ceilings = MandatoryCeilings(network_, slot_);
     } else {
       ceilings = CeilingsOfLateDates();
@@ -145,6 +157,9 @@ class LatePass {
         ceilings.finish = std::min(ceilings.finish, network_.early[FinishOf(slot_)]);
       }
       AddConstraints(network_, slot_, ceilings);
+      if (network_.nodes[slot_].is_mandatory) {
+        ceilings.start = kNoCeiling;  // where the task was placed: links from there let it be
+      }
     }
     WorkTable& table = network_.TableOf(slot_);
     const std::int32_t minutes = network_.nodes[slot_].minutes;

@@ -22,12 +22,13 @@ bool IsMandatory(const Constraint& constraint, bool is_started) {
   // A started task has its start already: only what remains can still be held.
   return !constraint.date.IsAbsent() &&
          (constraint.type == ConstraintType::kMandatoryFinish ||
-          (constraint.type == ConstraintType::kMandatoryStart && !is_started));
+          (!is_started && (constraint.type == ConstraintType::kMandatoryStart ||
+                           constraint.type == ConstraintType::kPlacedStart)));
 }
 
 bool HoldsStart(ConstraintType type) {
   return type == ConstraintType::kStartOn || type == ConstraintType::kStartNoEarlier ||
-         type == ConstraintType::kMandatoryStart;
+         type == ConstraintType::kMandatoryStart || type == ConstraintType::kPlacedStart;
 }
 
 bool HoldsFinish(ConstraintType type) {

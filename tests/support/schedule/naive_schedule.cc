@@ -42,9 +42,14 @@ bool IsLate(const Task& task) {
                                task.second_constraint.type == ConstraintType::kAsLateAsPossible);
 }
 
-bool IsMandatory(const Task& task) {
+bool HasMandatoryLateDates(const Task& task) {
   return !ConstraintDates(task, {ConstraintType::kMandatoryFinish}).empty() ||
          (!task.IsStarted() && !ConstraintDates(task, {ConstraintType::kMandatoryStart}).empty());
+}
+
+bool IsMandatory(const Task& task) {
+  return HasMandatoryLateDates(task) ||
+         (!task.IsStarted() && !ConstraintDates(task, {ConstraintType::kPlacedStart}).empty());
 }
 
 /// A moment without work: where work ends, unless that lies before `moment`; a start milestone
@@ -195,12 +200,14 @@ NaiveSchedule::Floors NaiveSchedule::FloorsOf(const Task& task) {
   };
   if (IsMandatory(task)) {
     if (!task.IsStarted()) {
-      append(starts, ConstraintDates(task, {ConstraintType::kMandatoryStart}));
+      append(starts, ConstraintDates(
+                         task, {ConstraintType::kMandatoryStart, ConstraintType::kPlacedStart}));
     }
     append(finishes, ConstraintDates(task, {ConstraintType::kMandatoryFinish}));
   } else {
-    append(starts, ConstraintDates(task, {ConstraintType::kStartOn, ConstraintType::kStartNoEarlier,
-                                          ConstraintType::kMandatoryStart}));
+    append(starts,
+           ConstraintDates(task, {ConstraintType::kStartOn, ConstraintType::kStartNoEarlier,
+                                  ConstraintType::kMandatoryStart, ConstraintType::kPlacedStart}));
     append(finishes,
            ConstraintDates(task, {ConstraintType::kFinishOn, ConstraintType::kFinishNoEarlier}));
   }
@@ -368,7 +375,7 @@ NaiveDates NaiveSchedule::FindLate(const Task& task) {
   Ceilings ceilings;
   std::vector<ConstraintType> start_types{ConstraintType::kMandatoryStart};
   std::vector<ConstraintType> finish_types{ConstraintType::kMandatoryFinish};
-  if (!IsMandatory(task)) {
+  if (!HasMandatoryLateDates(task)) {
     ceilings = CeilingsFrom(task, &NaiveSchedule::Late);
     ceilings.finish = std::min(ceilings.finish, LastFinish());
     AddActualCeilings(task, ceilings);
@@ -382,6 +389,9 @@ NaiveDates NaiveSchedule::FindLate(const Task& task) {
     for (const auto date : ConstraintDates(task, start_types)) {
       ceilings.start = std::min(ceilings.start, date);
     }
+  }
+  if (IsMandatory(task) && !HasMandatoryLateDates(task)) {
+    ceilings.start = kAnytime;  // its start is given, whatever comes after it
   }
   for (const auto date : ConstraintDates(task, finish_types)) {
     ceilings.finish = std::min(ceilings.finish, date);

@@ -73,9 +73,10 @@ Constraint RandomConstraint(Dice& dice) {
       ConstraintType::kStartNoEarlier,   ConstraintType::kFinishNoEarlier,
       ConstraintType::kStartNoLater,     ConstraintType::kFinishNoLater,
       ConstraintType::kMandatoryStart,   ConstraintType::kMandatoryFinish,
-      ConstraintType::kAsLateAsPossible, ConstraintType::kAsLateAsPossible};
+      ConstraintType::kAsLateAsPossible, ConstraintType::kAsLateAsPossible,
+      ConstraintType::kPlacedStart};
   Constraint constraint;
-  constraint.type = kTypes[dice.Below(10)];
+  constraint.type = kTypes[dice.Below(11)];
   if (constraint.type != ConstraintType::kAsLateAsPossible) {
     constraint.date = RandomMoment(dice, kStartDay - 5, kStartDay + 40);
   }

@@ -141,12 +141,20 @@ class Checker {
     calendars_.emplace(plan_, first - kMargin, last - first + 2 * kMargin);
   }
 
+  static bool OverridesLinks(const Constraint& constraint, const Task& task) {
+    return constraint.type == ConstraintType::kMandatoryFinish ||
+           (!task.IsStarted() && (constraint.type == ConstraintType::kMandatoryStart ||
+                                  constraint.type == ConstraintType::kPlacedStart));
+  }
   bool IsMandatory(const Task& task) const {
-    const auto is_mandatory = [&task](const Constraint& constraint) {
-      return constraint.type == ConstraintType::kMandatoryFinish ||
-             (constraint.type == ConstraintType::kMandatoryStart && !task.IsStarted());
+    return OverridesLinks(task.constraint, task) || OverridesLinks(task.second_constraint, task);
+  }
+  /// Whether its late dates are those of its mandatory ones.
+  bool IsMandatoryLate(const Task& task) const {
+    const auto is_late = [&](const Constraint& constraint) {
+      return constraint.type != ConstraintType::kPlacedStart && OverridesLinks(constraint, task);
     };
-    return is_mandatory(task.constraint) || is_mandatory(task.second_constraint);
+    return is_late(task.constraint) || is_late(task.second_constraint);
   }
 
   bool IsMovedLate(const Task& task) const {
@@ -256,16 +264,14 @@ class Checker {
     }
     const bool mandatory = IsMandatory(task);
     for (const Constraint& constraint : {task.constraint, task.second_constraint}) {
-      const bool overrides =
-          constraint.type == ConstraintType::kMandatoryFinish ||
-          (constraint.type == ConstraintType::kMandatoryStart && !task.IsStarted());
-      if (constraint.date.IsAbsent() || mandatory != overrides) {
+      if (constraint.date.IsAbsent() || mandatory != OverridesLinks(constraint, task)) {
         continue;
       }
       switch (constraint.type) {
         case ConstraintType::kStartOn:
         case ConstraintType::kStartNoEarlier:
         case ConstraintType::kMandatoryStart:
+        case ConstraintType::kPlacedStart:
           bounds.push_back({constraint.date.Minutes(), false, "its start constraint"});
           break;
         case ConstraintType::kFinishOn:
@@ -350,7 +356,7 @@ class Checker {
 
   std::vector<Bound> LateBounds(const Task& task) {
     std::vector<Bound> bounds;
-    const bool mandatory = IsMandatory(task);
+    const bool mandatory = IsMandatoryLate(task);
     for (const Constraint& constraint : {task.constraint, task.second_constraint}) {
       const ConstraintType start_type =
           mandatory ? ConstraintType::kMandatoryStart : ConstraintType::kStartNoLater;
@@ -382,6 +388,9 @@ class Checker {
                                                    : LateStart(to);
       bounds.push_back(
           {calendars_->LagBegin(*link, limit), FromFinish(*link), "the link to " + to.id});
+    }
+    if (IsMandatory(task)) {  // its start is given, whatever comes after it
+      std::erase_if(bounds, [](const Bound& bound) { return !bound.on_finish; });
     }
     return bounds;
   }
