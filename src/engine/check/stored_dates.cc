@@ -178,8 +178,73 @@ std::string OwnCause(const Task& task) {
   return {};
 }
 
+/// What links have that makes tools disagree about the early dates of their successors and the late
+/// dates of their predecessors.
+class LinkCauses {
+ public:
+  explicit LinkCauses(const Plan& plan) : plan_(plan) {
+    for (const Link& link : plan.links) {
+      const Task* from = plan.FindTask(link.predecessor);
+      const Task* to = plan.FindTask(link.successor);
+      if (from != nullptr && to != nullptr) {
+        Add(link, *from, *to);
+      }
+    }
+    for (const Link& link : plan.links) {
+      if (out_of_sequence_.contains(link.predecessor)) {
+        early_.emplace(link.successor, fmt::format("{} before it was finished out of sequence",
+                                                   plan.FindTask(link.predecessor)->id));
+      }
+    }
+  }
+
+  /// Empty if no link of the task has anything.
+  std::string Of(Uid task, bool is_early) const {
+    const auto& causes = is_early ? early_ : late_;
+    const auto found = causes.find(task);
+    return found == causes.end() ? std::string() : found->second;
+  }
+
+ private:
+  void Add(const Link& link, const Task& from, const Task& to) {
+    const bool from_finish =
+        link.type == LinkType::kFinishToStart || link.type == LinkType::kFinishToFinish;
+    if (!from.IsFinished() && to.IsFinished()) {
+      late_.emplace(from.uid, fmt::format("{} behind it was finished out of sequence", to.id));
+      out_of_sequence_.insert(to.uid);
+    } else if (from.IsStarted() && !from.IsFinished() && !from_finish && link.lag_minutes != 0) {
+      const std::string cause =
+          fmt::format("the lag from the start of {}, which has started", from.id);
+      early_.emplace(to.uid, cause);
+      late_.emplace(from.uid, cause);
+    } else if (from.IsFinished() && !to.IsFinished() && LagReachesPastStatus(link, from)) {
+      early_.emplace(to.uid, fmt::format("the lag behind {}, which is finished, would reach past "
+                                         "the data date",
+                                         from.id));
+    }
+  }
+
+  bool LagReachesPastStatus(const Link& link, const Task& from) const {
+    const CalendarDefinition* calendar =
+        plan_.FindCalendar(from.calendar != 0 ? from.calendar : plan_.default_calendar);
+    const Instant status = plan_.StatusDate();
+    const bool is_close = calendar != nullptr && plan_.schedule.remaining_from_data_date &&
+                          link.lag_minutes > 0 && from.actual_finish <= status &&
+                          status.day() - from.actual_finish.day() <= kLongestGap;
+    return is_close && WorkBetween(*calendar, from.actual_finish, status) < link.lag_minutes;
+  }
+
+  const Plan& plan_;
+  std::unordered_map<Uid, std::string> early_;
+  std::unordered_map<Uid, std::string> late_;
+  std::unordered_set<Uid> out_of_sequence_;
+};
+
 /// An early difference may come from a predecessor that has one, a late one from a successor.
 void TellCauses(const Plan& plan, StoredDatesReport& report) {
+  if (report.differing.empty()) {
+    return;
+  }
   std::unordered_set<Uid> early;
   std::unordered_set<Uid> late;
   for (const DifferingActivity& activity : report.differing) {
@@ -200,12 +265,16 @@ void TellCauses(const Plan& plan, StoredDatesReport& report) {
       from_successor.emplace(link.predecessor, link.successor);
     }
   }
+  const LinkCauses links(plan);
   for (DifferingActivity& activity : report.differing) {
     const bool is_early = HasEarly(activity);
     const auto& sources = is_early ? from_predecessor : from_successor;
     const auto source = sources.find(activity.task);
     activity.inherited = source != sources.end();
     activity.cause = OwnCause(*plan.FindTask(activity.task));
+    if (activity.cause.empty()) {
+      activity.cause = links.Of(activity.task, is_early);
+    }
     if (activity.cause.empty() && activity.inherited) {
       activity.cause = fmt::format("follows from {} {}", is_early ? "predecessor" : "successor",
                                    plan.FindTask(source->second)->id);
