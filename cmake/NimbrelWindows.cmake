@@ -20,21 +20,28 @@ set(NIMBREL_RANDOM123_INCLUDE "${NIMBREL_HEADERS}" CACHE PATH "" FORCE)
 target_compile_definitions(nimbrel_settings INTERFACE UNICODE _UNICODE NOMINMAX _WIN32_WINNT=0x0601)
 
 # nimbrel_idl(TARGET FILE): the header, the identifiers and the type library of an IDL file, in the
-# target's build folder. Wine's IDL files stand in for those that mingw-w64 lacks.
+# target's build folder. Wine has the IDL files and the type library that mingw-w64 lacks.
+file(GLOB NIMBREL_STDOLE /usr/lib/*/wine/*/stdole2.tlb)
 function(nimbrel_idl TARGET FILE)
+  if(NOT NIMBREL_STDOLE)
+    message(FATAL_ERROR "Wine's stdole2.tlb is missing; scripts/packages-windows.txt names its package")
+  endif()
+  list(GET NIMBREL_STDOLE 0 stdole)
+  get_filename_component(libraries "${stdole}" DIRECTORY)
   get_filename_component(name "${FILE}" NAME_WE)
   get_filename_component(source "${FILE}" ABSOLUTE)
-  set(width --win64)
-  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-    set(width --win32)
-  endif()
-  set(folder "${CMAKE_CURRENT_BINARY_DIR}")
+  math(EXPR width "8 * ${CMAKE_SIZEOF_VOID_P}")
+  set(made "${CMAKE_CURRENT_BINARY_DIR}/idl/${name}")
+  file(MAKE_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/idl")
+  set(widl ${NIMBREL_WIDL} -I/usr/include/wine/wine/windows "-L${libraries}" --win${width})
   add_custom_command(
-    OUTPUT "${folder}/${name}.h" "${folder}/${name}_i.c" "${folder}/${name}.tlb"
-    COMMAND ${NIMBREL_WIDL} -I/usr/include/wine/wine/windows ${width} -h -o "${folder}/${name}.h" "${source}"
-    COMMAND ${NIMBREL_WIDL} -I/usr/include/wine/wine/windows ${width} -u -o "${folder}/${name}_i.c" "${source}"
-    COMMAND ${NIMBREL_WIDL} -I/usr/include/wine/wine/windows ${width} -t -o "${folder}/${name}.tlb" "${source}"
+    OUTPUT "${made}.h" "${made}_i.c" "${made}.tlb"
+    COMMAND ${widl} -h -o "${made}.h" "${source}"
+    COMMAND ${widl} -u -o "${made}_i.c" "${source}"
+    COMMAND ${widl} -t -o "${made}.tlb" "${source}"
     DEPENDS "${source}" VERBATIM)
-  target_sources(${TARGET} PRIVATE "${folder}/${name}.h" "${folder}/${name}_i.c" "${folder}/${name}.tlb")
-  target_include_directories(${TARGET} PUBLIC "${folder}")
+  add_custom_target(${TARGET}_idl DEPENDS "${made}.h" "${made}_i.c" "${made}.tlb")
+  add_dependencies(${TARGET} ${TARGET}_idl)
+  target_sources(${TARGET} PRIVATE "${made}_i.c")
+  target_include_directories(${TARGET} SYSTEM PUBLIC "${CMAKE_CURRENT_BINARY_DIR}/idl")
 endfunction()

@@ -1,0 +1,128 @@
+#include "com/dispatch.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "com/com_error.h"
+#include "platform/win/wide_text.h"
+
+namespace nimbrel::com {
+namespace {
+
+constexpr WORD kRead = DISPATCH_PROPERTYGET | DISPATCH_METHOD;
+constexpr ULONG kBatch = 32;
+
+DISPID AskForId(IDispatch& object, const std::string& subject, std::string_view member) {
+  std::wstring name = platform::ToWide(member);
+  wchar_t* names = name.data();
+  DISPID id = DISPID_UNKNOWN;
+  if (const HRESULT result = object.GetIDsOfNames(IID_NULL, &names, 1, LOCALE_SYSTEM_DEFAULT, &id);
+      FAILED(result)) {
+    RaiseFailure(result, subject);
+  }
+  return id;
+}
+
+}  // namespace
+
+DISPID MemberIds::Find(IDispatch& object, const std::string& subject, std::string_view member) {
+  const auto found = ids_.find(subject);
+  if (found != ids_.end()) {
+    return found->second;
+  }
+  return ids_.emplace(subject, AskForId(object, subject, member)).first->second;
+}
+
+Dispatch::Dispatch(ComPtr<IDispatch> object, std::string class_name, std::shared_ptr<MemberIds> ids)
+    : object_(std::move(object)), class_name_(std::move(class_name)), ids_(std::move(ids)) {}
+
+ComVariant Dispatch::Get(std::string_view member, std::span<const VARIANT> arguments) const {
+  return Invoke(member, kRead, arguments);
+}
+
+ComVariant Dispatch::Call(std::string_view member, std::span<const VARIANT> arguments) const {
+  return Invoke(member, DISPATCH_METHOD, arguments);
+}
+
+void Dispatch::Put(std::string_view member, const VARIANT& value,
+                   std::span<const VARIANT> arguments) const {
+  const DISPID id = IdOf(member);
+  // Arguments go from the last to the first; the value counts as the last one, with a name.
+  std::vector<VARIANT> backwards = {value};
+  backwards.insert(backwards.end(), arguments.rbegin(), arguments.rend());
+  DISPID put = DISPID_PROPERTYPUT;
+  DISPPARAMS parameters = {backwards.data(), &put, static_cast<UINT>(backwards.size()), 1};
+  const auto invoke = [&](WORD flags, EXCEPINFO& exception) {
+    return object_->Invoke(id, IID_NULL, LOCALE_SYSTEM_DEFAULT, flags, &parameters, nullptr,
+                           &exception, nullptr);
+  };
+  EXCEPINFO exception = {};
+  HRESULT result = DISP_E_MEMBERNOTFOUND;
+  if (value.vt == VT_DISPATCH) {
+    result = invoke(DISPATCH_PROPERTYPUTREF, exception);
+  }
+  if (result == DISP_E_MEMBERNOTFOUND) {
+    result = invoke(DISPATCH_PROPERTYPUT, exception);
+  }
+  if (FAILED(result)) {
+    RaiseInvokeFailure(result, exception, Subject(member));
+  }
+}
+
+std::vector<ComVariant> Dispatch::Elements() const {
+  const std::string subject = Subject("_NewEnum");
+  DISPPARAMS none = {};
+  EXCEPINFO exception = {};
+  ComVariant made;
+  if (const HRESULT result = object_->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_SYSTEM_DEFAULT, kRead,
+                                             &none, made.get(), &exception, nullptr);
+      FAILED(result)) {
+    RaiseInvokeFailure(result, exception, subject);
+  }
+  ComPtr<IEnumVARIANT> walk;
+  if (made.type() == VT_UNKNOWN || made.type() == VT_DISPATCH) {
+    walk = ComPtr<IUnknown>(made.get()->punkVal).As<IEnumVARIANT>(IID_IEnumVARIANT);
+  }
+  if (!walk) {
+    RaiseFailure(DISP_E_MEMBERNOTFOUND, subject);
+  }
+  std::vector<ComVariant> elements;
+  HRESULT result = S_OK;
+  while (result == S_OK) {
+    std::vector<VARIANT> batch(kBatch);
+    std::for_each(batch.begin(), batch.end(), [](VARIANT& element) { VariantInit(&element); });
+    ULONG fetched = 0;
+    result = walk->Next(kBatch, batch.data(), &fetched);
+    Check(result, subject);
+    for (ULONG i = 0; i < fetched; ++i) {
+      *elements.emplace_back().get() = batch[i];
+    }
+  }
+  return elements;
+}
+
+DISPID Dispatch::IdOf(std::string_view member) const {
+  return ids_ == nullptr ? AskForId(*object_.get(), Subject(member), member)
+                         : ids_->Find(*object_.get(), Subject(member), member);
+}
+
+ComVariant Dispatch::Invoke(std::string_view member, WORD flags,
+                            std::span<const VARIANT> arguments) const {
+  const DISPID id = IdOf(member);
+  std::vector<VARIANT> backwards(arguments.rbegin(), arguments.rend());
+  DISPPARAMS parameters = {backwards.data(), nullptr, static_cast<UINT>(backwards.size()), 0};
+  EXCEPINFO exception = {};
+  ComVariant result;
+  if (const HRESULT outcome = object_->Invoke(id, IID_NULL, LOCALE_SYSTEM_DEFAULT, flags,
+                                              &parameters, result.get(), &exception, nullptr);
+      FAILED(outcome)) {
+    RaiseInvokeFailure(outcome, exception, Subject(member));
+  }
+  return result;
+}
+
+std::string Dispatch::Subject(std::string_view member) const {
+  return (class_name_.empty() ? "Object" : class_name_) + "." + std::string(member);
+}
+
+}  // namespace nimbrel::com

@@ -1,0 +1,291 @@
+// The component as a host uses it: registered, created by its programmatic identifier, started,
+// with the events of a run, stopped, unregistered and unloaded.
+
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cstdint>
+
+#include "com/com_error.h"
+#include "com/registration.h"
+#include "host/cls_nimbrel.h"
+#include "host/mod_global.h"
+#include "hostserver/trial_host.h"
+#include "platform/win/wide_text.h"
+#include "simulation/mod_weather_events.h"
+#include "tests/com/com_test.h"
+#include "tests/com/weather_trial.h"
+
+namespace nimbrel::com {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+constexpr const wchar_t* kDll = L"Nimbrel.dll";
+constexpr int kIterations = 12;
+constexpr double kSeed = 7;
+
+HRESULT CallExport(const char* name) {
+  const HMODULE dll = LoadLibraryW(ProgramBeside(kDll).c_str());
+  if (dll == nullptr) {
+    return E_FAIL;
+  }
+  const auto function =
+      reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(GetProcAddress(dll, name)));
+  const HRESULT result = function == nullptr ? E_NOINTERFACE : function();
+  FreeLibrary(dll);
+  return result;
+}
+
+bool IsLoaded() {
+  return GetModuleHandleW(kDll) != nullptr;
+}
+
+std::wstring ClassOf(const wchar_t* identifier) {
+  wchar_t id[64] = {};
+  LONG size = sizeof(id);
+  return RegQueryValueW(HKEY_CLASSES_ROOT, (std::wstring(identifier) + L"\\CLSID").c_str(), id,
+                        &size) == ERROR_SUCCESS
+             ? id
+             : L"";
+}
+
+/// The registered component and the stand-in host.
+class ComponentTest : public ::testing::Test {
+ protected:
+  ComponentTest() { EXPECT_EQ(CallExport("DllRegisterServer"), S_OK); }
+  ~ComponentTest() override {
+    nimbrel_ = nullptr;
+    CoFreeUnusedLibrariesEx(0, 0);
+    EXPECT_FALSE(IsLoaded());
+    EXPECT_EQ(CallExport("DllUnregisterServer"), S_OK);
+  }
+
+  static Ref<AutomationObject> Create(const std::string& identifier) {
+    return ComServers().CreateObject(identifier);
+  }
+  void OpenTrialPlan() {
+    auto& control = program_.control();
+    control.Call("NewPlan", {1, 8});
+    control.Call("AddTask", {"A", 4.0, 6.0, 9.0, 100.0, ""});
+    control.Call("AddTask", {"B", 3.0, 5.0, 6.0, 100.0, "A"});
+    control.Call("AddTask", {"C", 8.0, 10.0, 16.0, 70.0, "A,B"});
+    control.Call("OpenPlan");
+    application_ = TrialProgram::Application();
+    AddTrialWeather(application_->get_ActivePlan());
+  }
+  /// Runs with the recorder behind whoever is subscribed.
+  DateRecorder Run() {
+    DateRecorder recorder;
+    application_->Subscribe(&recorder);
+    program_.control().Call("RunAnalysis", {kIterations, kSeed});
+    application_->Unsubscribe(&recorder);
+    return recorder;
+  }
+
+  TrialProgram& program_ = SharedTrialProgram();
+  Ref<Corvane8::Application> application_;
+  Ref<AutomationObject> nimbrel_;
+};
+
+/// The same run without COM, with or without the add-in.
+DateRecorder RunInProcess(bool weather) {
+  const auto trial = platform::MakeRef<hostserver::TrialHost>();
+  trial->NewPlan(1, 8);
+  trial->AddTask("A", 4, 6, 9, 100, "");
+  trial->AddTask("B", 3, 5, 6, 100, "A");
+  trial->AddTask("C", 8, 10, 16, 70, "A,B");
+  trial->OpenPlan();
+  AddTrialWeather(trial->host()->get_ActivePlan());
+  modGlobal::Wire({.create_application = [&trial] { return trial->host(); }});
+  host::Seams seams;
+  seams.handlers = {modWeatherEvents::BeforeRiskAnalysis, modWeatherEvents::BeforeRiskIteration,
+                    modWeatherEvents::AfterRiskIteration, modWeatherEvents::AfterRiskAnalysis};
+  const auto nimbrel = platform::MakeRef<host::clsNimbrel>(seams);
+  if (weather) {
+    nimbrel->LaunchStartCorvane();
+  }
+  DateRecorder recorder;
+  trial->host()->Subscribe(&recorder);
+  trial->RunAnalysis(kIterations, kSeed);
+  trial->host()->Unsubscribe(&recorder);
+  nimbrel->LaunchStopCorvane();
+  modWeatherEvents::ReleaseRunState();
+  modGlobal::Wire({});
+  return recorder;
+}
+
+std::vector<std::uint64_t> Bits(const std::vector<double>& values) {
+  std::vector<std::uint64_t> bits;
+  for (const double value : values) {
+    bits.push_back(std::bit_cast<std::uint64_t>(value));
+  }
+  return bits;
+}
+
+TEST_F(ComponentTest, IsCreatedByItsProgrammaticIdentifier) {
+  EXPECT_FALSE(IsLoaded());
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  EXPECT_TRUE(IsLoaded());
+  nimbrel_ = Create("nimbrel.CLSCORVANE");
+}
+
+TEST_F(ComponentTest, IsUnknownOnceItIsUnregistered) {
+  EXPECT_NE(ClassOf(L"Nimbrel.clsNimbrel"), L"");
+  ASSERT_EQ(CallExport("DllUnregisterServer"), S_OK);
+  EXPECT_EQ(ClassOf(L"Nimbrel.clsNimbrel"), L"");
+  EXPECT_EQ(ClassOf(L"Nimbrel.clsCorvane"), L"");
+  EXPECT_EQ(ErrorOf([] { Create("Nimbrel.clsNimbrel"); }).first, 429);
+}
+
+TEST_F(ComponentTest, ARunThroughComGivesTheSameDatesBitForBit) {
+  OpenTrialPlan();
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  nimbrel_->Call("LaunchStartCorvane");
+  const DateRecorder through_com = Run();
+  nimbrel_->Call("LaunchStopCorvane");
+  const DateRecorder in_process = RunInProcess(true);
+  EXPECT_EQ(through_com.events(), in_process.events());
+  EXPECT_EQ(through_com.dates().size(), 6U * kIterations);
+  EXPECT_EQ(Bits(through_com.dates()), Bits(in_process.dates()));
+  // The comparison says something: without weather the dates are others.
+  EXPECT_NE(Bits(RunInProcess(false).dates()), Bits(in_process.dates()));
+}
+
+TEST_F(ComponentTest, NoEventReachesItAfterTheStop) {
+  OpenTrialPlan();
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  nimbrel_->Call("LaunchStartCorvane");
+  nimbrel_->Call("LaunchStopCorvane");
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(false).dates()));
+}
+
+TEST_F(ComponentTest, StartedTwiceItHearsEachEventOnce) {
+  OpenTrialPlan();
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  nimbrel_->Call("LaunchStartCorvane");
+  nimbrel_->Call("LaunchStartCorvane");
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(true).dates()));
+  nimbrel_->Call("LaunchStopCorvane");
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(false).dates()));
+}
+
+TEST_F(ComponentTest, StoppedWithoutAStartItDoesNothing) {
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  nimbrel_->Call("LaunchStopCorvane");
+}
+
+TEST_F(ComponentTest, TheSubscriberCanBeDrivenByTheHostItself) {
+  OpenTrialPlan();
+  nimbrel_ = Create("Nimbrel.clsCorvane");
+  nimbrel_->Call("StartCorvane");
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(true).dates()));
+  nimbrel_->Call("StopCorvane");
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(false).dates()));
+}
+
+TEST_F(ComponentTest, GivesBackEveryObjectOfTheHostAndGoes) {
+  OpenTrialPlan();
+  application_ = nullptr;
+  const auto held = [this] {
+    return program_.control().Get("ObjectsHeld").ToLong(platform::DefaultLocale());
+  };
+  const std::int32_t before = held();
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  nimbrel_->Call("LaunchStartCorvane");
+  program_.control().Call("RunAnalysis", {kIterations, kSeed});
+  nimbrel_->Call("LaunchStopCorvane");
+  nimbrel_ = nullptr;
+  EXPECT_TRUE(IsLoaded());
+  CoFreeUnusedLibrariesEx(0, 0);
+  EXPECT_FALSE(IsLoaded());
+  // What is never let go is the one reference to the application, whose members stand behind an
+  // object of their own.
+  EXPECT_EQ(held(), before + 1);
+}
+
+TEST_F(ComponentTest, IsNotUnloadedWhileAnObjectOfItIsHeld) {
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  CoFreeUnusedLibrariesEx(0, 0);
+  EXPECT_TRUE(IsLoaded());
+}
+
+TEST_F(ComponentTest, AnErrorInAHandlerReachesTheHostWithItsNumberAndText) {
+  OpenTrialPlan();
+  application_->get_ActivePlan()->get_Tasks()->Remove("WEATHER");
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  nimbrel_->Call("LaunchStartCorvane");
+  const auto expected =
+      ErrorOf([this] { application_->get_ActivePlan()->get_Tasks()->Item("WEATHER"); });
+  ASSERT_NE(expected.first, 0);
+  const auto raised = ErrorOf([this] {
+    program_.control().Call("RunAnalysis", {kIterations, kSeed});
+  });
+  EXPECT_EQ(raised, expected);
+  nimbrel_->Call("LaunchStopCorvane");
+}
+
+TEST_F(ComponentTest, LeavesAnErrorObjectForCallersByPosition) {
+  // The host is not there, so that the start fails.
+  UnregisterTrialHost();
+  ComPtr<IDispatch> nimbrel = CreateByIdentifier("Nimbrel.clsNimbrel");
+  EXPECT_EQ(ErrorOf([&] { DispatchObject(nimbrel).Call("LaunchStartCorvane"); }),
+            std::pair(429, std::string("Cannot create the object Corvane8.Application")));
+  const auto support = nimbrel.As<ISupportErrorInfo>(IID_ISupportErrorInfo);
+  ASSERT_TRUE(support);
+  ComPtr<ITypeInfo> info;
+  ASSERT_EQ(nimbrel->GetTypeInfo(0, 0, info.Receive()), S_OK);
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
+  EXPECT_EQ(support->InterfaceSupportsErrorInfo(attributes->guid), S_OK);
+  EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDispatch), S_FALSE);
+  info->ReleaseTypeAttr(attributes);
+  RegisterTrialHost();
+}
+
+TEST_F(ComponentTest, HasItsOperationsInTheirOrder) {
+  const auto names_of = [](const std::string& identifier) {
+    const ComPtr<IDispatch> object = CreateByIdentifier(identifier);
+    ComPtr<ITypeInfo> info;
+    EXPECT_EQ(object->GetTypeInfo(0, 0, info.Receive()), S_OK);
+    std::vector<std::string> names;
+    for (DISPID id = 1; id <= 6; ++id) {
+      BSTR name = nullptr;
+      UINT count = 0;
+      if (SUCCEEDED(info->GetNames(id, &name, 1, &count)) && count == 1) {
+        names.push_back(platform::ToUtf8(name));
+        SysFreeString(name);
+      }
+    }
+    return names;
+  };
+  EXPECT_THAT(names_of("Nimbrel.clsNimbrel"),
+              ElementsAre("Main", "LaunchStartCorvane", "LaunchStopCorvane"));
+  EXPECT_THAT(names_of("Nimbrel.clsCorvane"),
+              ElementsAre("StartCorvane", "StopCorvane", "m_CorvyApp_PlanAfterRiskAnalysis",
+                          "m_CorvyApp_PlanAfterRiskIteration", "m_CorvyApp_PlanBeforeRiskAnalysis",
+                          "m_CorvyApp_PlanBeforeRiskIteration"));
+}
+
+TEST_F(ComponentTest, ExportsTheFourFunctionsUndecoratedAndNothingElse) {
+  const HMODULE dll = LoadLibraryW(ProgramBeside(kDll).c_str());
+  ASSERT_NE(dll, nullptr);
+  const auto* base = reinterpret_cast<const BYTE*>(dll);
+  const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+  const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+  const auto* exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(
+      base + headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress);
+  const auto* offsets = reinterpret_cast<const DWORD*>(base + exports->AddressOfNames);
+  std::vector<std::string> names;
+  for (DWORD i = 0; i < exports->NumberOfNames; ++i) {
+    names.emplace_back(reinterpret_cast<const char*>(base + offsets[i]));
+  }
+  EXPECT_EQ(exports->NumberOfFunctions, 4U);
+  EXPECT_THAT(names, ElementsAre("DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer",
+                                 "DllUnregisterServer"));
+  FreeLibrary(dll);
+}
+
+}  // namespace
+}  // namespace nimbrel::com

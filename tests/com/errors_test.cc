@@ -1,0 +1,166 @@
+// Values and errors on their way between programs.
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+
+#include "com/com_error.h"
+#include "com/com_text.h"
+#include "com/com_variant.h"
+#include "com/registration.h"
+#include "tests/com/com_test.h"
+
+namespace nimbrel::com {
+namespace {
+
+using platform::Date;
+using platform::Object;
+using platform::RuntimeError;
+using platform::Variant;
+
+Ref<Object> NoObject(IDispatch* /*object*/) {
+  return nullptr;
+}
+
+Variant Back(const Variant& value) {
+  return FromComVariant(*ToComVariant(value, nullptr).get(), NoObject);
+}
+
+TEST(ComVariants, ComeBackAsTheyLeft) {
+  for (const Variant& value :
+       {Variant(), Variant(true), Variant(false), Variant(0), Variant(-7),
+        Variant(std::numeric_limits<std::int32_t>::min()), Variant(0.1), Variant(-0.0),
+        Variant(Date{46391.375}), Variant(""), Variant("Sturm über der Nordsee €"),
+        Variant(std::string("with\0NUL", 8)), Variant(Ref<Object>())}) {
+    EXPECT_TRUE(Back(value) == value);
+  }
+}
+
+TEST(ComVariants, TakeNumbersOfAllKinds) {
+  VARIANT given = {};
+  given.vt = VT_I2;
+  given.iVal = -3;
+  EXPECT_TRUE(FromComVariant(given, NoObject) == Variant(-3));
+  given.vt = VT_CY;
+  given.cyVal.int64 = 12'500;  // ten thousandths
+  EXPECT_TRUE(FromComVariant(given, NoObject) == Variant(1.25));
+  given.vt = VT_UI4;
+  given.ulVal = 4'000'000'000;
+  EXPECT_TRUE(FromComVariant(given, NoObject) == Variant(4e9));
+  given.vt = VT_NULL;
+  EXPECT_TRUE(FromComVariant(given, NoObject).IsEmpty());
+}
+
+TEST(ComVariants, FollowReferences) {
+  std::int32_t number = 5;
+  VARIANT direct = {};
+  direct.vt = VT_BYREF | VT_I4;
+  direct.plVal = reinterpret_cast<LONG*>(&number);
+  EXPECT_TRUE(FromComVariant(direct, NoObject) == Variant(5));
+  VARIANT twice = {};
+  twice.vt = VT_BYREF | VT_VARIANT;
+  twice.pvarVal = &direct;
+  direct.vt = VT_BOOL;
+  direct.boolVal = VARIANT_TRUE;
+  EXPECT_TRUE(FromComVariant(twice, NoObject) == Variant(true));
+}
+
+TEST(ComVariants, RefuseArraysAndErrorValues) {
+  VARIANT given = {};
+  given.vt = VT_ERROR;
+  given.scode = static_cast<SCODE>(0x800A07FA);  // a cell that says #N/A
+  EXPECT_EQ(ErrorOf([&] { FromComVariant(given, NoObject); }).first, 13);
+  ComVariant array;
+  array.get()->vt = VT_ARRAY | VT_I4;
+  array.get()->parray = SafeArrayCreateVector(VT_I4, 0, 1);
+  EXPECT_EQ(ErrorOf([&] { FromComVariant(*array.get(), NoObject); }).first, 13);
+}
+
+TEST(ComErrors, NumbersSurviveTheWayThereAndBack) {
+  for (const std::int32_t number : {1, 5, 13, 91, 429, 438, 1004, 32767, 65535}) {
+    EXPECT_EQ(ErrorNumberOf(ToHResult(RuntimeError(number, ""))), number);
+  }
+  const std::int32_t unknown = static_cast<std::int32_t>(0x80004005);
+  EXPECT_EQ(ErrorNumberOf(ToHResult(RuntimeError(unknown, ""))), unknown);
+}
+
+TEST(ComErrors, ANumberThatNoFailureCanSayIsStillAFailure) {
+  EXPECT_TRUE(FAILED(ToHResult(RuntimeError(0, ""))));
+  EXPECT_TRUE(FAILED(ToHResult(RuntimeError(65536, ""))));
+}
+
+TEST(ComErrors, FailuresOfComHaveTheNumbersOfTheirKind) {
+  EXPECT_EQ(ErrorNumberOf(DISP_E_UNKNOWNNAME), 438);
+  EXPECT_EQ(ErrorNumberOf(DISP_E_BADPARAMCOUNT), 450);
+  EXPECT_EQ(ErrorNumberOf(DISP_E_TYPEMISMATCH), 13);
+  EXPECT_EQ(ErrorNumberOf(DISP_E_BADINDEX), 9);
+  EXPECT_EQ(ErrorNumberOf(REGDB_E_CLASSNOTREG), 429);
+  EXPECT_EQ(ErrorNumberOf(RPC_E_DISCONNECTED), 462);
+}
+
+TEST(ComErrors, AnExceptionRecordGivesItsNumberAndText) {
+  EXCEPINFO exception = {};
+  FillException(RuntimeError(1004, "Range: no such range"), &exception);
+  EXPECT_EQ(ErrorOf([&] { RaiseInvokeFailure(DISP_E_EXCEPTION, exception, "Sheet.Range"); }),
+            std::pair(1004, std::string("Range: no such range")));
+  EXPECT_EQ(exception.bstrDescription, nullptr);
+  exception = {};
+  exception.wCode = 1001;
+  EXPECT_EQ(ErrorOf([&] { RaiseInvokeFailure(DISP_E_EXCEPTION, exception, "Sheet.Range"); }),
+            std::pair(1001, std::string("Sheet.Range")));
+}
+
+TEST(ComErrors, WhatIsNoRuntimeErrorBecomesOneAtTheBorder) {
+  std::int32_t number = 0;
+  Guarded([] { throw std::logic_error("a fault"); },
+          [&](const RuntimeError& error) {
+            number = error.number();
+            return E_FAIL;
+          });
+  EXPECT_EQ(number, 1004);
+}
+
+TEST(Registration, IsForTheUserAloneWhereRightsAreMissing) {
+  std::vector<Scope> scopes;
+  const auto attempt = [&](HRESULT machine) {
+    scopes.clear();
+    return ForMachineOrUser([&](Scope scope) {
+      scopes.push_back(scope);
+      return scope == Scope::kMachine ? machine : S_OK;
+    });
+  };
+  EXPECT_EQ(attempt(E_ACCESSDENIED), S_OK);
+  EXPECT_THAT(scopes, ::testing::ElementsAre(Scope::kMachine, Scope::kUser));
+  EXPECT_EQ(attempt(TYPE_E_REGISTRYACCESS), S_OK);
+  EXPECT_EQ(attempt(S_OK), S_OK);
+  EXPECT_THAT(scopes, ::testing::ElementsAre(Scope::kMachine));
+  EXPECT_EQ(attempt(E_FAIL), E_FAIL);
+  EXPECT_THAT(scopes, ::testing::ElementsAre(Scope::kMachine));
+}
+
+TEST(Registration, ForTheUserWritesAndRemovesTheUsersKeys) {
+  const ServerEntry entry = {
+      .path = ProgramBeside(L"NimbrelTrialHost.exe"),
+      .library = {0x1f3a1c42, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}},
+      .classes = {{{0x2f3a1c42, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}}, L"Nimbrel.Probe", L"Probe"}}};
+  const auto value = [](const wchar_t* key) {
+    wchar_t text[300] = {};
+    DWORD size = sizeof(text);
+    return RegGetValueW(HKEY_CURRENT_USER, (std::wstring(L"Software\\Classes\\") + key).c_str(),
+                        nullptr, RRF_RT_REG_SZ, nullptr, text, &size) == ERROR_SUCCESS
+               ? std::wstring(text)
+               : std::wstring(L"none");
+  };
+  const wchar_t* server = L"CLSID\\{2F3A1C42-0001-0002-0304-05060708090A}\\InprocServer32";
+  ASSERT_EQ(RegisterServer(entry, Scope::kUser), S_OK);
+  EXPECT_EQ(value(L"Nimbrel.Probe\\CLSID"), L"{2F3A1C42-0001-0002-0304-05060708090A}");
+  EXPECT_EQ(value(server), entry.path);
+  EXPECT_EQ(UnregisterServer(entry, Scope::kUser), S_OK);
+  EXPECT_EQ(value(L"Nimbrel.Probe\\CLSID"), L"none");
+  EXPECT_EQ(value(server), L"none");
+  EXPECT_EQ(UnregisterServer(entry, Scope::kUser), S_OK) << "gone is gone";
+}
+
+}  // namespace
+}  // namespace nimbrel::com

@@ -1,0 +1,105 @@
+// The object library in its IDL against what the stand-in host answers and the binding asks for.
+
+#include <gmock/gmock.h>
+
+#include "com/com_text.h"
+#include "com/served/member.h"
+#include "com/served/served_object.h"
+#include "tests/com/com_test.h"
+
+namespace nimbrel::com {
+namespace {
+
+using served::ClassTable;
+using served::Kind;
+using served::Member;
+
+ComPtr<ITypeLib> Library() {
+  ComPtr<ITypeLib> library;
+  LoadTypeLibEx(ProgramBeside(L"NimbrelTrialHost.exe").c_str(), REGKIND_NONE, library.Receive());
+  return library;
+}
+
+std::string NameOf(ITypeInfo& info, MEMBERID id) {
+  BSTR name = nullptr;
+  info.GetDocumentation(id, &name, nullptr, nullptr, nullptr);
+  return TakeText(name);
+}
+
+/// "4 get Name 0": number, kind, name, count of arguments and whether the last one is a result.
+std::vector<std::string> OperationsIn(ITypeInfo& info) {
+  std::vector<std::string> lines;
+  TYPEATTR* attributes = nullptr;
+  info.GetTypeAttr(&attributes);
+  for (UINT i = 0; i < attributes->cFuncs; ++i) {
+    FUNCDESC* function = nullptr;
+    info.GetFuncDesc(i, &function);
+    if (function->memid > 0 && function->memid < 0x10000) {
+      const char* kind = function->invkind == INVOKE_PROPERTYGET ? " get "
+                         : function->invkind == INVOKE_FUNC      ? " call "
+                                                                 : " put ";
+      lines.push_back(std::to_string(function->memid) + kind + NameOf(info, function->memid) + " " +
+                      std::to_string(function->cParams));
+    }
+    info.ReleaseFuncDesc(function);
+  }
+  info.ReleaseTypeAttr(attributes);
+  return lines;
+}
+
+std::vector<std::string> OperationsIn(const ClassTable& table) {
+  std::vector<std::string> lines;
+  for (const Member& member : table.members) {
+    const char* kind = member.kind == Kind::kGet   ? " get "
+                       : member.kind == Kind::kPut ? " put "
+                                                   : " call ";
+    lines.push_back(std::to_string(served::IdOf(table, member.name)) + kind +
+                    std::string(member.name) + " " + std::to_string(member.arguments));
+  }
+  return lines;
+}
+
+ComPtr<ITypeInfo> InterfaceOf(ITypeLib& library, std::string_view class_name) {
+  const std::string wanted = "_" + std::string(class_name);
+  ComPtr<ITypeInfo> info;
+  for (UINT i = 0; i < library.GetTypeInfoCount(); ++i) {
+    library.GetTypeInfo(i, info.Receive());
+    if (NameOf(*info.get(), MEMBERID_NIL) == wanted) {
+      return info;
+    }
+  }
+  return nullptr;
+}
+
+template <class... Interfaces>
+std::vector<const ClassTable*> Tables() {
+  return {&served::TableOf<Interfaces>()...};
+}
+
+TEST(ObjectLibrary, HasTheMembersThatTheHostAnswersInTheirOrder) {
+  namespace c = Corvane8;
+  const auto library = Library();
+  ASSERT_TRUE(library);
+  for (const ClassTable* table :
+       Tables<c::Application, c::Plan, c::PlanProperties, c::PlanDisplay, c::RiskAnalysis,
+              c::RiskOptions, c::ChangeMonitor, c::CustomFields, c::PlanTasks, c::PlanCalendars,
+              c::PlanRiskCalendars, c::RiskCalendar, c::Calendar, c::Task, c::TaskDates,
+              c::UserFields, c::Duration, c::TaskRisk, c::TaskLinks, c::LinkList, c::TaskLink,
+              c::TaskRiskCalendars, c::TaskRiskCalendar>()) {
+    const auto info = InterfaceOf(*library.get(), table->name);
+    ASSERT_TRUE(info) << table->name;
+    EXPECT_EQ(OperationsIn(*info.get()), OperationsIn(*table)) << table->name;
+  }
+}
+
+TEST(ObjectLibrary, NumbersTheEventsInTheirOrder) {
+  const auto info = InterfaceOf(*Library().get(), "ApplicationEvents");
+  ASSERT_TRUE(info);
+  EXPECT_THAT(
+      OperationsIn(*info.get()),
+      ::testing::ElementsAre("1 call PlanBeforeRiskAnalysis 1", "2 call PlanBeforeRiskIteration 2",
+                             "3 call PlanAfterRiskIteration 2", "4 call PlanAfterRiskAnalysis 1"));
+}
+
+}  // namespace
+}  // namespace nimbrel::com
