@@ -147,6 +147,34 @@ TEST(XerOptions, ACompletePredecessorDrivesNothingPastTheDataDate) {
   EXPECT_EQ(Schedule(text).Early("B"), "2027-03-01T08:00 to 2027-03-01T17:00");
 }
 
+TEST(XerOptions, AnUpdateWithWorkDoneOutOfSequenceHasTheDatesOfItsLogic) {
+  const Fields done = {{"status_code", "TK_Complete"},
+                       {"act_start_date", "2027-02-22 08:00"},
+                       {"act_end_date", "2027-02-26 17:00"}};
+  XerText text = TwoCalendars();
+  text.Task("1", "A", done).Task("2", "B", Active("16")).Task("3", "C", done);
+  text.Task("4", "D", Hours("8")).Task("5", "E", Hours("24"));
+  text.Task("6", "M",
+            Hours("0", {{"task_type", "TT_FinMile"},
+                        {"cstr_type", "CS_MEOB"},
+                        {"cstr_date", "2027-03-02 17:00"}}));
+  text.Link("1", "2", "PR_FS", "80").Link("2", "3", "PR_FS").Link("3", "4", "PR_FS", "40");
+  text.Link("4", "6", "PR_FF").Link("2", "5", "PR_SS");
+  const Scheduled scheduled = Schedule(text);
+  // A is done, and so is its lag. C was finished before B, but D still waits for B.
+  EXPECT_EQ(scheduled.Early("B"), "2027-03-01T08:00 to 2027-03-02T17:00");
+  EXPECT_EQ(scheduled.Early("D"), "2027-03-03T08:00 to 2027-03-03T17:00");
+  EXPECT_EQ(scheduled.Early("E"), "2027-03-01T08:00 to 2027-03-03T17:00");
+  EXPECT_EQ(scheduled.Early("M"), "2027-03-03T17:00 to 2027-03-03T17:00");
+  // M should have been there on Tuesday: a day of negative float, back through C to B.
+  EXPECT_EQ(scheduled.Late("D"), "2027-03-02T08:00 to 2027-03-02T17:00");
+  EXPECT_EQ(scheduled.Late("B"), "2027-02-26T08:00 to 2027-03-01T17:00");
+  EXPECT_EQ(FloatHours(scheduled, "M"), -8);
+  EXPECT_EQ(FloatHours(scheduled, "B"), -8);
+  EXPECT_EQ(FloatHours(scheduled, "E"), 0);
+  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+}
+
 // Lags.
 
 TEST(XerOptions, LagsRunOnTheCalendarThatTheOptionsName) {
