@@ -6,6 +6,7 @@
 
 #include "platform/locale.h"
 #include "platform/runtime_error.h"
+#include "platform/shown_text.h"
 #include "platform/text.h"
 
 namespace nimbrel::platform {
@@ -413,7 +414,7 @@ Date ParseDate(std::string_view text, const Locale& locale) {
   const std::optional<Date> date = ReadDate(text, locale);
   if (!date) {
     throw RuntimeError(kTypeMismatch,
-                       "Type mismatch: \"" + std::string(text) + "\" is no date in " + locale.name);
+                       "Type mismatch: \"" + ShownText(text) + "\" is no date in " + locale.name);
   }
   return *date;
 }

@@ -6,6 +6,7 @@
 
 #include "platform/locale.h"
 #include "platform/runtime_error.h"
+#include "platform/shown_text.h"
 #include "platform/text.h"
 
 namespace nimbrel::platform {
@@ -308,7 +309,7 @@ bool IsNumeric(std::string_view text, const Locale& locale) {
 double ParseNumber(std::string_view text, const Locale& locale) {
   double value = 0;
   if (!ReadNumber(text, locale, value)) {
-    throw RuntimeError(kTypeMismatch, "Type mismatch: \"" + std::string(text) +
+    throw RuntimeError(kTypeMismatch, "Type mismatch: \"" + ShownText(text) +
                                           "\" is no number in " + locale.name);
   }
   return value;

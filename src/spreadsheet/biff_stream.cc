@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 
+#include "spreadsheet/limits.h"
 #include "spreadsheet/little_endian.h"
 #include "spreadsheet/text_coding.h"
 
@@ -41,6 +42,10 @@ bool BiffStream::Next(BiffRecord& record) {
   record.pieces.clear();
   record.pieces.push_back(TakeData());
   while (HasRecord() && Read16(bytes_, offset_) == kContinue) {
+    if (record.pieces.size() > kMaxContinuations) {
+      RaiseReadError(place_, "a record is continued more than " +
+                                 std::to_string(kMaxContinuations) + " times");
+    }
     record.pieces.push_back(TakeData());
   }
   return true;

@@ -23,11 +23,13 @@ struct BiffRecord {
 /// The records of a BIFF stream one after the other.
 class BiffStream {
  public:
-  /// `bytes` must live as long as this.
-  BiffStream(std::string_view bytes, std::size_t offset) : bytes_(bytes), offset_(offset) {}
+  /// `bytes` and `place` must live as long as this.
+  BiffStream(std::string_view bytes, std::size_t offset, const ReadPlace& place)
+      : bytes_(bytes), offset_(offset), place_(place) {}
 
   /// Takes the next record; false at the end of the stream. A record that is cut short ends it,
-  /// too, since some writers pad the stream with zeros.
+  /// too, since some writers pad the stream with zeros. Raises error 1004 if the record is
+  /// continued too often.
   bool Next(BiffRecord& record);
 
  private:
@@ -36,6 +38,7 @@ class BiffStream {
 
   std::string_view bytes_;
   std::size_t offset_;
+  const ReadPlace& place_;
 };
 
 /// Reads the fields of a record, on into its continuations. Raises error 1004 past their end.

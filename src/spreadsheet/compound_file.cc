@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/text.h"
+#include "spreadsheet/limits.h"
 #include "spreadsheet/little_endian.h"
 #include "spreadsheet/text_coding.h"
 
@@ -43,13 +44,7 @@ CompoundFile::CompoundFile(std::string_view bytes, const std::string& file)
   if (entries_.empty()) {
     RaiseDamaged("it has no directory");
   }
-  if (entries_.front().start < kMaxRegularSector) {
-    small_ = Chain(entries_.front().start);
-    const std::string table = Chain(Read32(bytes, kSmallTableStart));
-    for (std::size_t i = 0; i + 4 <= table.size(); i += 4) {
-      next_small_.push_back(Read32(table, i));
-    }
-  }
+  small_table_ = Read32(bytes, kSmallTableStart);
 }
 
 void CompoundFile::RaiseDamaged(const std::string& what) const {
@@ -93,24 +88,29 @@ void CompoundFile::AddTableSector(std::uint32_t sector) {
   }
 }
 
-std::string CompoundFile::Chain(std::uint32_t start) const {
+std::string CompoundFile::Chain(std::uint32_t start, std::size_t enough) const {
   std::string joined;
-  const std::size_t limit = bytes_.size() + sector_size_;
-  for (std::uint32_t sector = start; sector < kMaxRegularSector;) {
+  joined.reserve(std::min(enough, bytes_.size()) + sector_size_);
+  std::vector<bool> visited(next_.size());
+  for (std::uint32_t sector = start; sector < kMaxRegularSector && joined.size() < enough;) {
     joined += Sector(sector);
-    if (joined.size() > limit) {
-      RaiseDamaged("a chain of sectors runs in a circle");
-    }
     if (sector >= next_.size()) {
       RaiseDamaged("a chain of sectors leaves the table");
     }
+    if (visited[sector]) {
+      RaiseDamaged("a chain of sectors runs in a circle");
+    }
+    visited[sector] = true;
     sector = next_[sector];
   }
   return joined;
 }
 
 void CompoundFile::ReadDirectory(std::uint32_t start) {
-  const std::string directory = Chain(start);
+  const std::string directory = Chain(start, kMaxParts * kEntrySize + 1);
+  if (directory.size() > kMaxParts * kEntrySize) {
+    RaiseReadError(place_, "has more than " + std::to_string(kMaxParts) + " parts");
+  }
   for (std::size_t i = 0; i + kEntrySize <= directory.size(); i += kEntrySize) {
     const std::string_view raw = std::string_view(directory).substr(i, kEntrySize);
     constexpr std::size_t kNameBytes = 64;
@@ -148,7 +148,7 @@ std::optional<std::string> CompoundFile::Stream(std::string_view name) const {
       if (entry.size < small_limit_) {
         return SmallStream(entry);
       }
-      std::string stream = Chain(entry.start);
+      std::string stream = Chain(entry.start, entry.size);
       if (stream.size() < entry.size) {
         RaiseDamaged("the stream " + Quoted(name) + " is cut short");
       }
@@ -162,15 +162,21 @@ std::optional<std::string> CompoundFile::Stream(std::string_view name) const {
 }
 
 std::string CompoundFile::SmallStream(const Entry& entry) const {
+  // The stream of the root holds the small ones.
+  const std::string small = Chain(entries_.front().start, bytes_.size());
+  const std::string table = Chain(small_table_, small.size() / kSmallSectorSize * 4);
+  if (entry.size > small.size()) {
+    RaiseDamaged("a small stream is cut short");
+  }
   std::string joined;
-  std::uint32_t sector = entry.start;
+  std::size_t sector = entry.start;
   while (joined.size() < entry.size) {
-    const std::size_t begin = std::size_t{sector} * kSmallSectorSize;
-    if (sector >= next_small_.size() || begin >= small_.size()) {
+    const std::size_t begin = sector * kSmallSectorSize;
+    if (sector >= table.size() / 4 || begin >= small.size()) {
       RaiseDamaged("a small stream is cut short");
     }
-    joined += small_.substr(begin, kSmallSectorSize);
-    sector = next_small_[sector];
+    joined += small.substr(begin, kSmallSectorSize);
+    sector = Read32(table, sector * 4);
   }
   joined.resize(entry.size);
   return joined;

@@ -11,8 +11,8 @@
 namespace nimbrel::spreadsheet {
 
 /// The file system inside an OLE 2 compound file, as far as a reader of .xls needs it: the streams
-/// of the root storage. Raises error 1004 for what is damaged; every chain of sectors is followed
-/// no further than the file has sectors.
+/// of the root storage. Raises error 1004 for what is damaged or has more than kMaxParts entries;
+/// of a chain of sectors no more is joined than is needed.
 class CompoundFile {
  public:
   /// `bytes` must live as long as this; `file` names them in messages.
@@ -38,17 +38,16 @@ class CompoundFile {
   void ReadTable(std::string_view header);
   void AddTableSector(std::uint32_t sector);
   void ReadDirectory(std::uint32_t start);
-  /// Joins a chain of sectors.
-  std::string Chain(std::uint32_t start) const;
+  /// Joins a chain of sectors to its end, or until it has at least `enough` bytes.
+  std::string Chain(std::uint32_t start, std::size_t enough) const;
   std::string SmallStream(const Entry& entry) const;
 
   ReadPlace place_;
   std::string_view bytes_;
   std::size_t sector_size_ = 512;
-  std::uint32_t small_limit_ = 4096;       // streams below this are in the small stream
-  std::vector<std::uint32_t> next_;        // the sector behind each sector
-  std::vector<std::uint32_t> next_small_;  // the same of the small stream
-  std::string small_;
+  std::uint32_t small_limit_ = 4096;  // streams below this are in the small stream
+  std::vector<std::uint32_t> next_;   // the sector behind each sector
+  std::uint32_t small_table_ = 0;     // where the same of the small stream begins
   std::vector<Entry> entries_;
 };
 

@@ -79,9 +79,12 @@ Variant ExcelRange::GetValue(Arguments arguments) {
   if (const auto* text = std::get_if<TextId>(&cell->value)) {
     return handle_.workbook().Text(*text);
   }
+  const std::string place = handle_.PlaceText(cell->row, cell->column) + ": ";
+  if (std::holds_alternative<NotComputed>(cell->value)) {
+    RaiseRefused(place + "the formula has no stored value");
+  }
   throw platform::RuntimeError(platform::kTypeMismatch,
-                               handle_.PlaceText(cell->row, cell->column) +
-                                   ": the cell holds the error " +
+                               place + "the cell holds the error " +
                                    std::string(ErrorText(std::get<CellError>(cell->value))));
 }
 

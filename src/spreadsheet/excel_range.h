@@ -18,7 +18,7 @@ class ExcelRange final : public DispatchObject<ExcelRange> {
 
  private:
   /// The value of one cell: a Date where its format shows one, a double, text, True or False, or
-  /// empty. Raises error 13 for an error value.
+  /// empty. Raises error 13 for an error value, and error 1004 for a formula without a value.
   platform::Variant GetValue(Arguments arguments);
   /// Puts a value into every cell. Text stays the text that it is, whatever it looks like; the
   /// empty text and an empty Variant leave nothing. A date brings a date format into a cell that

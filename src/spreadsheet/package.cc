@@ -3,10 +3,10 @@
 #include <zip.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "spreadsheet/limits.h"
+#include "spreadsheet/little_endian.h"
 #include "spreadsheet/read_error.h"
 #include "spreadsheet/text_coding.h"
 
@@ -28,7 +28,7 @@ void Package::Close::operator()(zip* archive) const {
 }
 
 Package::Package(std::string_view bytes, std::string file) : file_(std::move(file)) {
-  CheckDirectory(bytes);
+  CheckDirectories(bytes);
   zip_error_t error;
   zip_error_init(&error);
   const auto raise = [&] {
@@ -49,18 +49,43 @@ Package::Package(std::string_view bytes, std::string file) : file_(std::move(fil
   ListParts();
 }
 
-/// The library reads the whole directory at once, so its size is looked at first.
-void Package::CheckDirectory(std::string_view bytes) const {
+/// The library reads every directory that the end of the file shows, and each whole, before it
+/// takes one. So what they promise is looked at first.
+void Package::CheckDirectories(std::string_view bytes) const {
   constexpr std::string_view kEndOfDirectory("PK\5\6");
-  constexpr std::size_t kCountOffset = 10;
-  const auto end = bytes.rfind(kEndOfDirectory);
-  if (end == std::string_view::npos || bytes.size() - end < kCountOffset + 2) {
+  constexpr std::size_t kLongestEnd = 22 + 65'535;
+  constexpr int kMostEnds = 4;  // some bytes may look like an end by chance
+  const std::size_t first = bytes.size() - std::min(bytes.size(), kLongestEnd);
+  int ends = 0;
+  for (auto end = bytes.find(kEndOfDirectory, first); end != std::string_view::npos;
+       end = bytes.find(kEndOfDirectory, end + 1)) {
+    if (++ends > kMostEnds) {
+      RaiseReadError({.file = file_}, "is no sound .xlsx package: it has more than one directory");
+    }
+    CheckDirectory(bytes, end);
+  }
+  if (ends == 0) {
     RaiseReadError({.file = file_}, "is no sound .xlsx package: it is cut short");
   }
-  const auto byte = [&](std::size_t i) {
-    return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[end + kCountOffset + i]));
-  };
-  if ((byte(0) | byte(1) << 8) > kMaxParts) {
+}
+
+/// `end` is where the record is that ends the directory.
+void Package::CheckDirectory(std::string_view bytes, std::size_t end) const {
+  constexpr std::size_t kCount = 10;
+  if (bytes.size() - end < kCount + 2) {
+    RaiseReadError({.file = file_}, "is no sound .xlsx package: it is cut short");
+  }
+  std::uint64_t count = Read16(bytes, end + kCount);
+  // The larger form of the record has another in front of it, which says where it is.
+  constexpr std::size_t kLocator = 20;
+  constexpr std::size_t kLargeRecord = 56;
+  if (end >= kLocator && bytes.substr(end - kLocator).starts_with("PK\6\7")) {
+    const std::uint64_t large = Read64(bytes, end - kLocator + 8);
+    if (large < bytes.size() && bytes.size() - large >= kLargeRecord) {
+      count = std::max({count, Read64(bytes, large + 24), Read64(bytes, large + 32)});
+    }
+  }
+  if (count > kMaxParts) {
     RaiseReadError({.file = file_}, TooManyParts());
   }
 }
@@ -103,15 +128,19 @@ void Package::Read(std::string_view part, const std::function<void(std::string_v
   if ((stat.valid & ZIP_STAT_ENCRYPTION_METHOD) != 0 && stat.encryption_method != ZIP_EM_NONE) {
     raise("is encrypted");
   }
-  if (stat.size > kMaxPartBytes) {
-    raise("is larger than " + std::to_string(kMaxPartBytes >> 20) + " MiB");
+  // Other ways of compression may take any memory.
+  if (stat.comp_method != ZIP_CM_STORE && stat.comp_method != ZIP_CM_DEFLATE) {
+    raise("is compressed in a way that is not read");
+  }
+  if (stat.size > kMaxInflatedBytes) {
+    raise("is larger than " + MebibytesText(kMaxInflatedBytes));
   }
   const std::unique_ptr<zip_file_t, CloseFile> file(
       zip_fopen_index(archive_.get(), found->second, 0));
   if (!file) {
     raise(std::string("cannot be read: ") + zip_strerror(archive_.get()));
   }
-  std::array<char, 1 << 16> buffer;
+  std::string buffer(1 << 18, '\0');
   std::uint64_t size = 0;
   for (;;) {
     const auto got = zip_fread(file.get(), buffer.data(), buffer.size());
@@ -127,7 +156,7 @@ void Package::Read(std::string_view part, const std::function<void(std::string_v
       raise("is longer than its header says");
     }
     if (inflated_ > kMaxInflatedBytes) {
-      raise("takes the package past " + std::to_string(kMaxInflatedBytes >> 20) + " MiB");
+      raise("takes what is read of the package past " + MebibytesText(kMaxInflatedBytes));
     }
     take(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
   }

@@ -8,6 +8,7 @@
 #include <unordered_map>
 
 #include "platform/text.h"
+#include "spreadsheet/limits.h"
 
 struct zip;
 
@@ -27,12 +28,18 @@ class Package {
   /// header promises.
   void Read(std::string_view part, const std::function<void(std::string_view)>& take);
 
+  /// Count elements and attributes, and runs of text, in the XML of the parts that are read: many
+  /// small parts take as long as a large one. False past kMaxXmlItems and kMaxXmlRuns.
+  bool AddXmlItems(std::uint64_t items) { return (xml_items_ += items) <= kMaxXmlItems; }
+  bool AddXmlRun() { return ++xml_runs_ <= kMaxXmlRuns; }
+
  private:
   struct Close {
     void operator()(zip* archive) const;
   };
 
-  void CheckDirectory(std::string_view bytes) const;
+  void CheckDirectories(std::string_view bytes) const;
+  void CheckDirectory(std::string_view bytes, std::size_t end) const;
   void ListParts();
 
   std::string file_;
@@ -41,6 +48,8 @@ class Package {
                      platform::IgnoreCaseEqual>
       parts_;
   std::uint64_t inflated_ = 0;
+  std::uint64_t xml_items_ = 0;
+  std::uint64_t xml_runs_ = 0;
 };
 
 }  // namespace nimbrel::spreadsheet

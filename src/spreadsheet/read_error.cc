@@ -22,6 +22,10 @@ void RaiseReadError(const ReadPlace& place, const std::string& reason) {
   throw platform::RuntimeError(platform::kApplicationDefined, text + reason);
 }
 
+std::string MebibytesText(std::uint64_t bytes) {
+  return std::to_string(bytes >> 20) + " MiB";
+}
+
 void CheckTextSize(const ReadPlace& place, std::size_t bytes) {
   if (bytes > kMaxTextBytes) {
     RaiseReadError(place, "a text is longer than " + std::to_string(kMaxCellText) + " characters");
@@ -34,9 +38,14 @@ void ReadCounts::AddCell(const ReadPlace& place) {
   }
 }
 
-void ReadCounts::AddText(const ReadPlace& place) {
+void ReadCounts::AddText(const ReadPlace& place, std::size_t bytes) {
+  text_bytes_ += bytes;
   if (++texts_ > kMaxStrings) {
     RaiseReadError(place, "the workbook has more than " + std::to_string(kMaxStrings) + " texts");
+  }
+  if (text_bytes_ > kMaxTextsBytes) {
+    RaiseReadError(place,
+                   "the workbook has more than " + MebibytesText(kMaxTextsBytes) + " of texts");
   }
 }
 

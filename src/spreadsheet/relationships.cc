@@ -49,8 +49,8 @@ class RelationshipSink : public XmlStates<State> {
           place_, "a part has more than " + std::to_string(kMaxRelationships) + " relationships");
     }
     Relationship relationship;
-    relationship.id = element.Attribute("Id").value_or("");
-    relationship.target = element.Attribute("Target").value_or("");
+    relationship.id = ShortText(element.Attribute("Id").value_or(""));
+    relationship.target = ShortText(element.Attribute("Target").value_or(""));
     relationship.external = element.Attribute("TargetMode").value_or("") == "External";
     const std::string_view type = element.Attribute("Type").value_or("");
     for (const auto prefix : kOfficeTypes) {
@@ -65,6 +65,13 @@ class RelationshipSink : public XmlStates<State> {
   void Take(State, std::string_view) override {}
 
  private:
+  std::string ShortText(std::string_view text) const {
+    if (text.size() > kMaxNameBytes) {
+      RaiseReadError(place_, "a relationship has a name that is too long: " + Quoted(text));
+    }
+    return std::string(text);
+  }
+
   ReadPlace place_;
   std::vector<Relationship> relationships_;
 };

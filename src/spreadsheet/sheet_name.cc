@@ -1,6 +1,8 @@
 #include "spreadsheet/sheet_name.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <unordered_map>
 
 #include "platform/text.h"
 #include "spreadsheet/text_coding.h"
@@ -32,6 +34,22 @@ std::string_view SheetNameFault(std::string_view name) {
     return "is reserved";
   }
   return {};
+}
+
+void CheckSheetNames(const ReadPlace& place, const std::vector<std::string>& names) {
+  std::unordered_map<std::string, std::size_t> seen;  // by the folded name
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const std::string number = std::to_string(i + 1);
+    if (const auto fault = SheetNameFault(names[i]); !fault.empty()) {
+      RaiseReadError(place, "the name of sheet " + number + ", " + Quoted(names[i]) + ", " +
+                                std::string(fault));
+    }
+    const auto [first, is_new] = seen.try_emplace(platform::FoldCase(names[i]), i);
+    if (!is_new) {
+      RaiseReadError(place, "sheets " + std::to_string(first->second + 1) + " and " + number +
+                                " have one name in whatever case, " + Quoted(names[i]));
+    }
+  }
 }
 
 }  // namespace nimbrel::spreadsheet

@@ -3,6 +3,8 @@
 #include <array>
 #include <optional>
 
+#include "platform/shown_text.h"
+
 namespace nimbrel::spreadsheet {
 namespace {
 
@@ -197,6 +199,9 @@ std::string EscapeXlsxText(std::string_view text) {
 }
 
 std::string UnescapeXlsxText(std::string_view text) {
+  if (text.find('_') == std::string_view::npos) {
+    return std::string(text);
+  }
   std::string plain;
   plain.reserve(text.size());
   while (!text.empty()) {
@@ -219,20 +224,8 @@ std::string UnescapeXlsxText(std::string_view text) {
 }
 
 std::string Quoted(std::string_view text) {
-  constexpr std::size_t kLongest = 60;
-  std::string quoted = "'";
-  while (!text.empty()) {
-    if (quoted.size() > kLongest) {
-      quoted += "...";
-      break;
-    }
-    const Decoded decoded = DecodeUtf8(text);
-    const bool control = decoded.character < 0x20 || decoded.character == 0x7F ||
-                         (decoded.character >= 0x80 && decoded.character < 0xA0);
-    AppendUtf8(quoted, control ? kReplacement : decoded.character);
-    text.remove_prefix(decoded.length);
-  }
-  return quoted + "'";
+  constexpr std::size_t kMoreThanIsShown = 400;  // so that the check of all of it takes no time
+  return "'" + platform::ShownText(ValidUtf8(text.substr(0, kMoreThanIsShown))) + "'";
 }
 
 }  // namespace nimbrel::spreadsheet

@@ -34,8 +34,8 @@ std::string EscapeXlsxText(std::string_view text);
 /// The inverse of EscapeXlsxText.
 std::string UnescapeXlsxText(std::string_view text);
 
-/// `text` as it can stand in a message of one line: in single quotes, without control characters,
-/// cut after about sixty bytes.
+/// `text` as it can stand in a message of one line: in single quotes, as platform::ShownText has
+/// it, and as valid UTF-8.
 std::string Quoted(std::string_view text);
 
 }  // namespace nimbrel::spreadsheet

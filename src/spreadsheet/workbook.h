@@ -33,7 +33,11 @@ struct TextId {
   std::uint32_t value = 0;
   friend bool operator==(const TextId&, const TextId&) = default;
 };
-using CellValue = std::variant<double, bool, CellError, TextId>;
+/// A formula whose value nobody has worked out.
+struct NotComputed {
+  friend bool operator==(const NotComputed&, const NotComputed&) = default;
+};
+using CellValue = std::variant<double, bool, CellError, TextId, NotComputed>;
 
 /// Stands for "as the place is formatted" where a cell's own number format is asked for.
 inline constexpr std::uint16_t kFormatOfPlace = 0xFFFF;

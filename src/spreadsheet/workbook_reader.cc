@@ -23,7 +23,7 @@ std::string ReadBytes(const std::string& path) {
     RaiseReadError(place, error.message());
   }
   if (size > kMaxFileBytes) {
-    RaiseReadError(place, "is larger than " + std::to_string(kMaxFileBytes >> 20) + " MiB");
+    RaiseReadError(place, "is larger than " + MebibytesText(kMaxFileBytes));
   }
   std::string bytes(size, '\0');
   std::ifstream file(path, std::ios::binary);
@@ -43,8 +43,7 @@ Workbook ReadWorkbook(const std::string& path) {
 Workbook ReadWorkbookBytes(std::string_view bytes, const std::string& name) {
   using namespace std::literals;
   if (bytes.size() > kMaxFileBytes) {
-    RaiseReadError({.file = name},
-                   "is larger than " + std::to_string(kMaxFileBytes >> 20) + " MiB");
+    RaiseReadError({.file = name}, "is larger than " + MebibytesText(kMaxFileBytes));
   }
   if (bytes.starts_with("PK\3\4"sv) || bytes.starts_with("PK\5\6"sv)) {
     return ReadXlsx(bytes, name);

@@ -23,13 +23,16 @@ class WorkbookViewer {
 /// Writes the workbook to a file of the user's choice and shows nothing.
 class WorkbookSaver final : public WorkbookViewer {
  public:
-  explicit WorkbookSaver(std::string path) : path_(std::move(path)) {}
+  /// `is_stopped` is asked while the file is written; see WriteXlsx.
+  explicit WorkbookSaver(std::string path, std::function<bool()> is_stopped = {})
+      : path_(std::move(path)), is_stopped_(std::move(is_stopped)) {}
 
-  /// Raises error 1004 if the file cannot be written.
+  /// Raises error 1004 if the file cannot be written, error 18 if the user has stopped it.
   void Show(const Workbook& workbook, const std::string& path) override;
 
  private:
   std::string path_;
+  std::function<bool()> is_stopped_;
 };
 
 /// Starts a program that goes on by itself, found as a shell would find it: the program and its
@@ -40,8 +43,12 @@ using StartProcess = std::function<bool(const std::vector<std::string>& command)
 /// yet, or else in the system's own program for the file. Where there is neither, a message says
 /// where the file is.
 ///
-/// A workbook that has no file is written into a new folder of its own among the temporary files,
-/// for the user's eyes only. It stays there, since the program that opens it needs it.
+/// A workbook that has no file is written into a new folder of its own, for the user's eyes only,
+/// in the user's folder "nimbrel-UID" among the temporary files. The program that opens it needs
+/// it, and nobody tells when no longer. So each viewer that is made sweeps up what the earlier ones
+/// have left there a day ago or longer, but for what a program has locked. The files cannot be
+/// written to, so that nobody saves work into what will be swept up; what a message has named is
+/// never swept up.
 class DesktopViewer final : public WorkbookViewer {
  public:
   /// `folder` is where temporary files go; an empty one means the system's own. The message box
@@ -52,6 +59,10 @@ class DesktopViewer final : public WorkbookViewer {
   void Show(const Workbook& workbook, const std::string& path) override;
 
  private:
+  std::string TemporaryFolder() const;
+  /// The user's folder, which may not be there.
+  std::string UsersFolder() const;
+  void SweepUp() const;
   std::string WriteTemporary(const Workbook& workbook) const;
 
   StartProcess start_;

@@ -4,6 +4,8 @@
 
 #include "spreadsheet/limits.h"
 #include "spreadsheet/number_format.h"
+#include "spreadsheet/sheet_name.h"
+#include "spreadsheet/text_coding.h"
 
 namespace nimbrel::spreadsheet {
 namespace {
@@ -18,7 +20,7 @@ class GlobalsReader {
       : place_(place), counts_(counts), workbook_(workbook), globals_(globals) {}
 
   void Read(std::string_view stream) {
-    BiffStream records(stream, 0);
+    BiffStream records(stream, 0, place_);
     BiffRecord record;
     if (!records.Next(record)) {
       RaiseReadError(place_, "the workbook is cut short");
@@ -30,6 +32,7 @@ class GlobalsReader {
       }
       ReadRecord(record);
     } while (record.type != kBiffEof);
+    CheckSheetNames(place_, names_);
     for (const std::uint16_t id : styles_) {
       globals_.formats.push_back(workbook_.AddNumberFormat(FormatText(id)));
     }
@@ -75,12 +78,21 @@ class GlobalsReader {
 
   void ReadFormat(BiffFields& fields) {
     const std::uint16_t id = fields.Take16();
-    formats_[id] = globals_.is_biff8 ? fields.TakeUnicode(fields.Take16())
-                                     : globals_.code_page.Decode(fields.TakeBytes(fields.Take8()));
+    std::string text = globals_.is_biff8
+                           ? fields.TakeUnicode(fields.Take16())
+                           : globals_.code_page.Decode(fields.TakeBytes(fields.Take8()));
+    if (text.size() > kMaxNameBytes) {
+      RaiseReadError(place_, "has a name that is too long: " + Quoted(text));
+    }
+    formats_[id] = std::move(text);
+    if (formats_.size() > kMaxNumberFormats) {
+      RaiseReadError(place_,
+                     "has more than " + std::to_string(kMaxNumberFormats) + " number formats");
+    }
   }
 
   void ReadSheetEntry(BiffFields& fields) {
-    if (++sheet_count_ > kMaxSheets) {
+    if (names_.size() == kMaxSheets) {
       RaiseReadError(place_, "has more than " + std::to_string(kMaxSheets) + " sheets");
     }
     XlsGlobals::SheetEntry entry;
@@ -90,6 +102,7 @@ class GlobalsReader {
     const std::size_t length = fields.Take8();
     entry.name = globals_.is_biff8 ? fields.TakeUnicode(length)
                                    : globals_.code_page.Decode(fields.TakeBytes(length));
+    names_.push_back(entry.name);
     if (holds_cells) {
       globals_.sheets.push_back(std::move(entry));
     }
@@ -99,8 +112,9 @@ class GlobalsReader {
     fields.Skip(4);  // how often they are used
     const std::uint32_t count = fields.Take32();
     for (std::uint32_t i = 0; i < count && !fields.AtEnd(); ++i) {
-      counts_.AddText(place_);
-      workbook_.AddText(fields.TakeUnicode(fields.Take16()));
+      std::string text = fields.TakeUnicode(fields.Take16());
+      counts_.AddText(place_, text.size());
+      workbook_.AddText(std::move(text));
     }
     globals_.shared_texts = workbook_.text_count();
   }
@@ -120,7 +134,7 @@ class GlobalsReader {
   XlsGlobals& globals_;
   std::unordered_map<std::uint16_t, std::string> formats_;
   std::vector<std::uint16_t> styles_;
-  std::size_t sheet_count_ = 0;
+  std::vector<std::string> names_;  // of all sheets, those without cells among them
 };
 
 }  // namespace

@@ -41,7 +41,7 @@ class SheetReader {
   /// Reads from `offset` on. Takes what it reads off `budget`, so that sheets which lie over one
   /// another are not read again and again.
   void Read(std::string_view stream, std::size_t offset, std::size_t& budget) {
-    BiffStream records(stream, offset);
+    BiffStream records(stream, offset, place_);
     BiffRecord record;
     int depth = 0;  // a chart in a sheet is a part of its own
     do {
@@ -62,7 +62,7 @@ class SheetReader {
         ReadRecord(record);
       }
     } while (depth > 0);
-    RequireStored();
+    EndFormula();
     sheet_.SortCells();
   }
 
@@ -122,14 +122,15 @@ class SheetReader {
 
   /// A formula that gives a text has it in a record of its own, which must be there before the next
   /// cell.
-  void RequireStored() const {
+  void EndFormula() {
     if (waits_for_text_) {
-      RaiseReadError(place_, "the formula has no stored value");
+      waits_for_text_ = false;
+      Put(NotComputed());
     }
   }
 
   void BeginCell(BiffFields& fields) {
-    RequireStored();
+    EndFormula();
     place_.column = 0;
     place_.row = fields.Take16() + 1;
     SetColumn(fields.Take16());
@@ -154,7 +155,7 @@ class SheetReader {
   void ReadMulRk(BiffFields& fields, std::size_t size) {
     constexpr std::size_t kFrame = 6;  // row, first and last column
     constexpr std::size_t kEntry = 6;
-    RequireStored();
+    EndFormula();
     place_.column = 0;
     place_.row = fields.Take16() + 1;
     const std::int32_t first = fields.Take16();
@@ -189,7 +190,7 @@ class SheetReader {
         PutText("");
         break;
       default:
-        RaiseReadError(place_, "the formula has no stored value");
+        Put(NotComputed());
     }
   }
 
@@ -217,7 +218,7 @@ class SheetReader {
   }
 
   void PutText(std::string text) {
-    counts_.AddText(place_);
+    counts_.AddText(place_, text.size());
     Put(workbook_.AddText(std::move(text)));
   }
 

@@ -108,7 +108,7 @@ class SharedTextSink : public XmlStates<TextState> {
     if (state == TextState::kText) {
       item_ += UnescapeXlsxText(piece_);
     } else if (state == TextState::kItem) {
-      counts_.AddText(place_);
+      counts_.AddText(place_, item_.size());
       workbook_.AddText(item_);
     }
   }
@@ -151,9 +151,9 @@ class StyleSink : public XmlStates<StyleState> {
                                  : StyleState::kOther;
     }
     if (parent == StyleState::kFormats && name == "numFmt") {
-      if (formats.size() == kMaxCellFormats) {
+      if (formats.size() == kMaxNumberFormats) {
         RaiseReadError(place_,
-                       "has more than " + std::to_string(kMaxCellFormats) + " number formats");
+                       "has more than " + std::to_string(kMaxNumberFormats) + " number formats");
       }
       formats[FormatId(element)] = ShortText(place_, element.Attribute("formatCode"));
       return StyleState::kItem;

@@ -1,11 +1,15 @@
 #include "spreadsheet/xlsx_reader.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "spreadsheet/package.h"
 #include "spreadsheet/read_error.h"
 #include "spreadsheet/relationships.h"
+#include "spreadsheet/sheet_name.h"
 #include "spreadsheet/text_coding.h"
 #include "spreadsheet/xlsx_parts.h"
 
@@ -37,17 +41,19 @@ std::string FindWorkbookPart(Package& package) {
 /// Reads the sheets that hold cells, in the workbook's order.
 void ReadSheets(Package& package, const std::string& part, const Relationships& relationships,
                 const XlsxWorkbookPart& listed, XlsxCellContext& context) {
+  std::unordered_map<std::string_view, const Relationship*> links;
+  for (const Relationship& relationship : relationships) {
+    links.try_emplace(relationship.id, &relationship);
+  }
   for (const XlsxSheetEntry& entry : listed.sheets) {
-    const auto link =
-        std::find_if(relationships.begin(), relationships.end(),
-                     [&](const Relationship& item) { return item.id == entry.relationship; });
-    if (link == relationships.end()) {
+    const auto found = links.find(entry.relationship);
+    if (found == links.end()) {
       RaiseReadError({.file = package.file(), .sheet = entry.name},
                      "the sheet refers to " + Quoted(entry.relationship) +
                          ", which is not among the workbook's relationships");
     }
-    if (link->kind == "worksheet") {
-      const std::string sheet_part = ResolveTarget(package, part, *link);
+    if (found->second->kind == "worksheet") {
+      const std::string sheet_part = ResolveTarget(package, part, *found->second);
       ReadXlsxSheet(package, sheet_part, context, context.workbook.AddSheet(entry.name));
     }
   }
@@ -60,6 +66,11 @@ Workbook ReadXlsx(std::string_view bytes, const std::string& name) {
   const std::string part = FindWorkbookPart(package);
   const Relationships relationships = ReadRelationships(package, part);
   const XlsxWorkbookPart listed = ReadXlsxWorkbookPart(package, part);
+  std::vector<std::string> names;
+  for (const XlsxSheetEntry& entry : listed.sheets) {
+    names.push_back(entry.name);
+  }
+  CheckSheetNames({.file = name}, names);
 
   Workbook workbook;
   workbook.set_date_1904(listed.date_1904);

@@ -220,7 +220,7 @@ class SheetSink : public XmlStates<State> {
                                                 : has_value_ && !value.empty();
     if (!has_value) {
       if (has_formula_) {
-        RaiseReadError(place_, "the formula has no stored value");
+        Put(NotComputed());
       }
       return;
     }
@@ -281,7 +281,7 @@ class SheetSink : public XmlStates<State> {
   }
 
   void PutText(const std::string& text) {
-    context_.counts.AddText(place_);
+    context_.counts.AddText(place_, text.size());
     Put(context_.workbook.AddText(text));
   }
 

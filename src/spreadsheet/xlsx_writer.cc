@@ -1,15 +1,23 @@
 #include "spreadsheet/xlsx_writer.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <xlsxwriter.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <new>
+#include <optional>
 #include <system_error>
+#include <vector>
 
 #include "platform/runtime_error.h"
 #include "spreadsheet/limits.h"
@@ -28,50 +36,103 @@ constexpr time_t kCreated = 946'684'800;
                                path + ": cannot be written: " + reason);
 }
 
+std::string WithoutPrefix(const std::string& text, const std::string& prefix) {
+  return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
+}
+
 void Check(lxw_error error, const std::string& path, const std::string& place) {
   if (error != LXW_NO_ERROR) {
     RaiseWriteError(path, place + ": " + lxw_strerror(error));
   }
 }
 
+/// The file that a path means, behind all links, also where that is not there yet.
+std::filesystem::path BehindLinks(std::filesystem::path path) {
+  constexpr int kMostLinks = 40;  // as the system has it
+  std::error_code error;
+  for (int i = 0; i < kMostLinks && std::filesystem::is_symlink(path, error); ++i) {
+    const auto target = std::filesystem::read_symlink(path, error);
+    path = path.parent_path() / target;
+  }
+  return path;
+}
+
 /// A file beside the one that is to be written. It is gone at the end unless it was put in place.
 class PartialFile {
  public:
-  explicit PartialFile(const std::string& path) : path_(path) {
-    for (int attempt = 0;; ++attempt) {
-      name_ = path + ".part" + std::to_string(getpid()) + "-" + std::to_string(attempt);
-      const int file = open(name_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
-      if (file >= 0) {
-        close(file);
-        return;
+  explicit PartialFile(const std::string& path) : path_(path), target_(BehindLinks(path)) {
+    std::error_code error;
+    const auto there = std::filesystem::status(target_, error);
+    if (std::filesystem::exists(there) && !std::filesystem::is_regular_file(there)) {
+      RaiseWriteError(path, "there is something in its place that is no file");
+    }
+    for (int attempt = 0; file_ < 0; ++attempt) {
+      name_ = target_.string() + ".part" + std::to_string(getpid()) + "-" + std::to_string(attempt);
+      file_ = open(name_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
+      if (file_ < 0 && errno != EEXIST) {
+        RaiseSystemError();
       }
-      if (errno != EEXIST) {
-        const auto error = std::error_code(errno, std::generic_category());
-        name_.clear();
-        RaiseWriteError(path, error.message());
-      }
+    }
+    if (std::filesystem::exists(there)) {
+      permissions_ = static_cast<mode_t>(there.permissions());
     }
   }
   PartialFile(const PartialFile&) = delete;
   PartialFile& operator=(const PartialFile&) = delete;
   ~PartialFile() {
-    std::error_code ignored;
-    std::filesystem::remove(name_, ignored);
+    close(file_);
+    unlink(name_.c_str());  // what was put in place has another name
   }
 
   const std::string& name() const { return name_; }
 
   void PutInPlace() {
-    std::error_code error;
-    std::filesystem::rename(name_, path_, error);
-    if (error) {
-      RaiseWriteError(path_, error.message());
+    // What has not reached the disk must not take the place of what has.
+    if (permissions_) {
+      fchmod(file_, *permissions_);
+    }
+    if ((fsync(file_) != 0 && errno != EINVAL && errno != EROFS) ||
+        rename(name_.c_str(), target_.c_str()) != 0) {
+      RaiseSystemError();
     }
   }
 
  private:
+  [[noreturn]] void RaiseSystemError() const {
+    RaiseWriteError(path_, std::error_code(errno, std::generic_category()).message());
+  }
+
   std::string path_;
+  std::filesystem::path target_;
   std::string name_;
+  int file_ = -1;
+  std::optional<mode_t> permissions_;  // those of the file that was there
+};
+
+/// Standard error goes nowhere while this lives. The library prints its errors there, beside giving
+/// them back.
+class SilentErrors {
+ public:
+  SilentErrors() : before_(dup(STDERR_FILENO)) {
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (before_ >= 0 && nowhere >= 0) {
+      std::fflush(stderr);
+      dup2(nowhere, STDERR_FILENO);
+    }
+    close(nowhere);
+  }
+  SilentErrors(const SilentErrors&) = delete;
+  SilentErrors& operator=(const SilentErrors&) = delete;
+  ~SilentErrors() {
+    if (before_ >= 0) {
+      std::fflush(stderr);
+      dup2(before_, STDERR_FILENO);
+      close(before_);
+    }
+  }
+
+ private:
+  int before_;
 };
 
 struct FreeWorkbook {
@@ -220,9 +281,8 @@ class SheetWriter {
       error = worksheet_write_boolean(&target_, row, column, *truth ? 1 : 0, format);
     } else if (const auto* text = std::get_if<TextId>(&cell.value)) {
       error = WriteText(row, column, EscapeXlsxText(workbook_.Text(*text)), format);
-    } else {
-      const auto shown = ErrorText(std::get<CellError>(cell.value));
-      error = WriteText(row, column, std::string(shown), format);
+    } else if (const auto* fault = std::get_if<CellError>(&cell.value)) {
+      error = WriteText(row, column, std::string(ErrorText(*fault)), format);
     }
     Check(error, path_, PlaceText(cell.row, cell.column));
   }
@@ -246,30 +306,50 @@ class SheetWriter {
   std::uint64_t records_ = 0;
 };
 
-void WriteSheets(const Workbook& workbook, lxw_workbook& file, const std::string& path) {
+/// Gives a sheet its name. The library counts the characters of a name as it stands in the file, so
+/// it refuses some that are short enough but hold what looks like an escape there.
+void SetName(lxw_worksheet& sheet, const std::string& name) {
+  char* const own = strdup(EscapeXlsxText(name).c_str());
+  if (own == nullptr) {
+    throw std::bad_alloc();
+  }
+  std::free(sheet.name);
+  sheet.name = own;  // the library frees it
+}
+
+void WriteSheets(const Workbook& workbook, lxw_workbook& file, const std::string& path,
+                 const std::function<void()>& check_stop) {
   XlsxStyles styles(file, workbook);
-  std::size_t index = 0;
-  for (const auto& sheet : workbook.sheets()) {
-    const std::string name = EscapeXlsxText(sheet->name());
-    Check(workbook_validate_sheet_name(&file, name.c_str()), path,
-          "the name of sheet " + Quoted(sheet->name()));
-    lxw_worksheet* const target = workbook_add_worksheet(&file, name.c_str());
+  std::vector<lxw_worksheet*> targets;
+  for (std::size_t index = 0; index < workbook.sheets().size(); ++index) {
+    check_stop();
+    lxw_worksheet* const target = workbook_add_worksheet(&file, nullptr);
     if (target == nullptr) {
       RaiseWriteError(path, "out of memory");
     }
-    SheetWriter(workbook, *sheet, *target, styles, path).Write();
-    if (index++ == workbook.active_sheet()) {
+    SheetWriter(workbook, *workbook.sheets()[index], *target, styles, path).Write();
+    if (index == workbook.active_sheet()) {
       worksheet_activate(target);
     }
+    targets.push_back(target);
+  }
+  for (std::size_t index = 0; index < targets.size(); ++index) {
+    SetName(*targets[index], workbook.sheets()[index]->name());
   }
 }
 
 }  // namespace
 
-void WriteXlsx(const Workbook& workbook, const std::string& path) {
+void WriteXlsx(const Workbook& workbook, const std::string& path,
+               const std::function<bool()>& is_stopped) {
   if (workbook.sheets().empty()) {
     RaiseWriteError(path, "the workbook has no sheet");
   }
+  const auto check_stop = [&] {
+    if (is_stopped && is_stopped()) {
+      throw platform::RuntimeError(kStoppedByUser, path + ": stopped by the user");
+    }
+  };
   PartialFile partial(path);
   std::unique_ptr<lxw_workbook, FreeWorkbook> file(workbook_new(partial.name().c_str()));
   if (!file) {
@@ -278,10 +358,20 @@ void WriteXlsx(const Workbook& workbook, const std::string& path) {
   lxw_doc_properties properties{};
   properties.created = kCreated;
   Check(workbook_set_properties(file.get(), &properties), path, "properties");
-  WriteSheets(workbook, *file, path);
-  Check(workbook_close(file.release()), path, "the file");
+  WriteSheets(workbook, *file, path, check_stop);
+  check_stop();
+  {
+    const SilentErrors silent;
+    Check(workbook_close(file.release()), path, "the file");
+  }
+  check_stop();
   // The library does not notice when its own temporary files run out of space.
-  ReadWorkbook(partial.name());
+  try {
+    ReadWorkbook(partial.name());
+  } catch (const platform::RuntimeError& error) {
+    RaiseWriteError(path, WithoutPrefix(error.text(), partial.name() + ": "));
+  }
+  check_stop();
   partial.PutInPlace();
 }
 

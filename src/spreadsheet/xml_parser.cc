@@ -3,6 +3,8 @@
 #include <expat.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <type_traits>
@@ -17,7 +19,7 @@ namespace {
 using std::literals::operator""sv;
 
 // What the parser puts between a namespace and a name; no namespace can hold it.
-constexpr char kSeparator = '\n';
+constexpr char kSeparator[] = "\n";
 
 constexpr std::array kSpreadsheetNames = {
     "http://schemas.openxmlformats.org/spreadsheetml/2006/main"sv,
@@ -29,6 +31,45 @@ constexpr std::array kRelationshipIds = {
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships\nid"sv,
     "http://purl.oclc.org/ooxml/officeDocument/relationships\nid"sv,
 };
+
+/// Memory for one parser, up to kMaxXmlNameMemory. The library's functions for it are told nothing
+/// of the parser, so what it holds is counted by thread: none runs inside another.
+class ParserMemory {
+ public:
+  static void Begin() { held_ = 0; }
+
+  static void* Allocate(std::size_t size) { return Resize(nullptr, size); }
+  static void* Resize(void* block, std::size_t size) {
+    Head* const old = block == nullptr ? nullptr : static_cast<Head*>(block) - 1;
+    const std::size_t old_size = old == nullptr ? 0 : old->size;
+    if (size > kMaxXmlNameMemory || held_ - old_size + size > kMaxXmlNameMemory) {
+      return nullptr;
+    }
+    auto* const fresh = static_cast<Head*>(std::realloc(old, sizeof(Head) + size));
+    if (fresh == nullptr) {
+      return nullptr;
+    }
+    held_ = held_ - old_size + size;
+    fresh->size = size;
+    return fresh + 1;
+  }
+  static void Free(void* block) {
+    if (block != nullptr) {
+      Head* const head = static_cast<Head*>(block) - 1;
+      held_ -= head->size;
+      std::free(head);
+    }
+  }
+
+ private:
+  struct alignas(std::max_align_t) Head {
+    std::size_t size;
+  };
+
+  static thread_local std::size_t held_;
+};
+
+thread_local std::size_t ParserMemory::held_ = 0;
 
 struct FreeParser {
   void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
@@ -43,7 +84,10 @@ class Bridge {
         part_(part),
         sink_(sink),
         place_{.file = package.file(), .sheet = sheet} {
-    parser_.reset(XML_ParserCreateNS(nullptr, kSeparator));
+    static constexpr XML_Memory_Handling_Suite kMemory = {ParserMemory::Allocate,
+                                                          ParserMemory::Resize, ParserMemory::Free};
+    ParserMemory::Begin();
+    parser_.reset(XML_ParserCreate_MM(nullptr, &kMemory, kSeparator));
     if (!parser_) {
       RaiseReadError(place_, "out of memory");
     }
@@ -80,6 +124,11 @@ class Bridge {
       if (++self.depth_ > kMaxXmlDepth) {
         self.Raise("elements are nested deeper than " + std::to_string(kMaxXmlDepth));
       }
+      const int names_and_values = XML_GetSpecifiedAttributeCount(self.parser_.get());
+      if (!self.package_.AddXmlItems(1 + static_cast<std::uint64_t>(names_and_values) / 2)) {
+        self.Raise("the workbook has more than " + std::to_string(kMaxXmlItems) +
+                   " elements and attributes");
+      }
       self.sink_.OnBegin(XmlElement(name, attributes));
     });
   }
@@ -92,8 +141,12 @@ class Bridge {
   }
   static void XMLCALL Text(void* data, const XML_Char* text, int length) {
     Bridge& self = Self(data);
-    self.Guard(
-        [&] { self.sink_.OnText(std::string_view(text, static_cast<std::size_t>(length))); });
+    self.Guard([&] {
+      if (!self.package_.AddXmlRun()) {
+        self.Raise("the workbook has more than " + std::to_string(kMaxXmlRuns) + " runs of text");
+      }
+      self.sink_.OnText(std::string_view(text, static_cast<std::size_t>(length)));
+    });
   }
   static void XMLCALL Doctype(void* data, const XML_Char*, const XML_Char*, const XML_Char*, int) {
     Bridge& self = Self(data);
@@ -107,7 +160,10 @@ class Bridge {
       std::rethrow_exception(failure_);
     }
     if (status != XML_STATUS_OK) {
-      Raise(XML_ErrorString(XML_GetErrorCode(parser_.get())));
+      const XML_Error error = XML_GetErrorCode(parser_.get());
+      Raise(error == XML_ERROR_NO_MEMORY
+                ? "its names take more than " + MebibytesText(kMaxXmlNameMemory)
+                : XML_ErrorString(error));
     }
     // The parser begins a token anew with each piece until it has all of it.
     fed_ += piece.size();
@@ -146,7 +202,7 @@ Vocabulary FindVocabulary(std::string_view space) {
 
 XmlElement::XmlElement(const char* name, const char** attributes)
     : name_(name), attributes_(attributes) {
-  const auto separator = name_.find(kSeparator);
+  const auto separator = name_.find(kSeparator[0]);
   if (separator == std::string_view::npos) {
     vocabulary_ = Vocabulary::kOther;
   } else {

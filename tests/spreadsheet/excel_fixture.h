@@ -10,7 +10,7 @@
 #include "platform/locale.h"
 #include "spreadsheet/excel_application.h"
 #include "spreadsheet/workbook_viewer.h"
-#include "tests/spreadsheet/test_files.h"
+#include "tests/support/workbooks/test_files.h"
 
 namespace nimbrel::spreadsheet {
 

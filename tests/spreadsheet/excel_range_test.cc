@@ -234,6 +234,20 @@ TEST_F(ExcelRangeObject, AnErrorInACellIsNoValueAndSaysWhereItIs) {
                              ": sheet 'Sheet1', row 7, column C: the cell holds the error #N/A");
 }
 
+TEST_F(ExcelRangeObject, OnlyAReadCellMustHaveBeenComputed) {
+  const TemporaryFolder folder;
+  WriteBytes(folder.File("w.xlsx"), XlsxFile{.sheets = {"<row r='1'><c r='A1'><f>B1</f></c>"
+                                                        "<c r='B1'><v>5</v></c></row>"}}
+                                        .Bytes());
+  const Object book = excel->GetRef("Workbooks")->CallRef("open", {folder.File("w.xlsx")});
+  const Object opened = book->GetRef("Sheets", {1});
+  EXPECT_EQ(At(opened, 1, 2)->Get("Value"), Variant(5.0));
+  const Raised raised = ErrorOf([&] { At(opened, 1, 1)->Get("Value"); });
+  EXPECT_EQ(raised.number, platform::kApplicationDefined);
+  EXPECT_EQ(raised.text, folder.File("w.xlsx") +
+                             ": sheet 'Sheet1', row 1, column A: the formula has no stored value");
+}
+
 TEST_F(ExcelRangeObject, DatesOf1904AreTheSameDays) {
   const TemporaryFolder folder;
   WriteBytes(folder.File("w.xlsx"),

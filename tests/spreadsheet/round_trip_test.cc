@@ -7,7 +7,7 @@
 #include "spreadsheet/text_coding.h"
 #include "spreadsheet/workbook_reader.h"
 #include "spreadsheet/xlsx_writer.h"
-#include "tests/spreadsheet/test_files.h"
+#include "tests/support/workbooks/test_files.h"
 
 namespace nimbrel::spreadsheet {
 namespace {

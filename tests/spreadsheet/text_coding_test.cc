@@ -86,7 +86,8 @@ TEST(UnescapeXlsxText, GivesBackWhatWasEscaped) {
 TEST(Quoted, AMessageStaysOnOneLine) {
   EXPECT_EQ(Quoted("rain"), "'rain'");
   EXPECT_EQ(Quoted("a\nb"), "'a\uFFFDb'");
-  EXPECT_EQ(Quoted(std::string(1000, 'x')).size(), 65U);
+  EXPECT_EQ(Quoted(std::string(1000, 'x')), "'" + std::string(60, 'x') + "...'");
+  EXPECT_EQ(Quoted("\xFF"), "'\uFFFD'");
 }
 
 }  // namespace

@@ -2,9 +2,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 #include "spreadsheet/workbook_reader.h"
-#include "tests/spreadsheet/test_files.h"
+#include "tests/support/workbooks/test_files.h"
 
 namespace nimbrel::spreadsheet {
 namespace {
@@ -12,6 +19,7 @@ namespace {
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 class NotedMessages : public platform::MessageBox {
  public:
@@ -26,6 +34,28 @@ class NotedMessages : public platform::MessageBox {
 class DesktopViewerTest : public testing::Test {
  protected:
   DesktopViewerTest() { workbook.AddSheet("Spring"); }
+
+  /// The user's folder among the temporary files, and the names of what is in it.
+  std::filesystem::path Users() const {
+    return folder.File("nimbrel-" + std::to_string(geteuid()));
+  }
+  std::vector<std::string> Left() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(Users())) {
+      names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+  /// Makes a file and its folder as old as that.
+  static void Age(const std::string& file, std::chrono::hours age) {
+    const auto time = std::filesystem::file_time_type::clock::now() - age;
+    std::filesystem::last_write_time(file, time);
+    std::filesystem::last_write_time(std::filesystem::path(file).parent_path(), time);
+  }
+  /// What the next start of the program does.
+  void StartAgain() {
+    DesktopViewer([](const auto&) { return false; }, messages, folder.path());
+  }
 
   /// Programs that are there.
   std::vector<std::string> installed;
@@ -91,10 +121,60 @@ TEST_F(DesktopViewerTest, TwoWorkbooksAreTwoFilesForTheUserAlone) {
 TEST_F(DesktopViewerTest, AWorkbookThatCannotBeWrittenLeavesNothing) {
   installed = {"soffice"};
   EXPECT_EQ(ErrorOf([&] { viewer.Show(Workbook(), ""); }).number, platform::kApplicationDefined);
-  EXPECT_THAT(folder.Names(), IsEmpty());
+  EXPECT_THAT(Left(), IsEmpty());
   EXPECT_THAT(started, IsEmpty());
   DesktopViewer nowhere([](const auto&) { return true; }, messages, folder.File("none"));
   EXPECT_EQ(ErrorOf([&] { nowhere.Show(workbook, ""); }).number, platform::kApplicationDefined);
+}
+
+TEST_F(DesktopViewerTest, WhatWasShownIsSweptUpADayLater) {
+  installed = {"soffice"};
+  viewer.Show(workbook, "");
+  viewer.Show(workbook, "");
+  Age(started[0][2], std::chrono::hours(25));
+  Age(started[1][2], std::chrono::hours(23));
+  StartAgain();
+  EXPECT_FALSE(std::filesystem::exists(started[0][2]));
+  EXPECT_TRUE(std::filesystem::exists(started[1][2]));
+  EXPECT_THAT(Left(), SizeIs(1));
+}
+
+TEST_F(DesktopViewerTest, WhatAProgramHasLockedStays) {
+  installed = {"soffice"};
+  viewer.Show(workbook, "");
+  WriteBytes(std::filesystem::path(started[0][2]).parent_path() / ".~lock.Weather.xlsx#", "");
+  Age(started[0][2], std::chrono::hours(48));
+  StartAgain();
+  EXPECT_TRUE(std::filesystem::exists(started[0][2]));
+}
+
+TEST_F(DesktopViewerTest, NobodySavesIntoWhatIsSweptUp) {
+  installed = {"xdg-open"};
+  viewer.Show(workbook, "");
+  EXPECT_EQ(std::filesystem::status(started[0][1]).permissions(),
+            std::filesystem::perms::owner_read);
+}
+
+TEST_F(DesktopViewerTest, WhatAMessageHasNamedIsNotSweptUp) {
+  viewer.Show(workbook, "");
+  const std::string file = messages.texts[0].substr(messages.texts[0].find(folder.path()));
+  Age(file, std::chrono::hours(1'000));
+  StartAgain();
+  EXPECT_TRUE(std::filesystem::exists(file));
+}
+
+TEST_F(DesktopViewerTest, WhatIsNotOursIsLeftAlone) {
+  std::filesystem::create_directory(folder.File("other"));
+  std::filesystem::create_directory_symlink("other", Users());
+  std::filesystem::create_directory(folder.File("other/shown-1"));
+  WriteBytes(folder.File("other/shown-1/Weather.xlsx"), "");
+  Age(folder.File("other/shown-1/Weather.xlsx"), std::chrono::hours(48));
+  StartAgain();
+  EXPECT_TRUE(std::filesystem::exists(folder.File("other/shown-1/Weather.xlsx")));
+  installed = {"soffice"};
+  viewer.Show(workbook, "");
+  EXPECT_TRUE(started[0][2].starts_with(folder.File("nimbrel-")));
+  EXPECT_EQ(ReadWorkbook(started[0][2]).sheets()[0]->name(), "Spring");
 }
 
 TEST(WorkbookSaver, TheWorkbookGoesToTheUsersFile) {

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "spreadsheet/workbook_reader.h"
-#include "tests/spreadsheet/test_files.h"
-#include "tests/spreadsheet/xls_files.h"
+#include "tests/support/workbooks/test_files.h"
+#include "tests/support/workbooks/xls_files.h"
 
 namespace nimbrel::spreadsheet {
 namespace {
@@ -26,6 +26,9 @@ std::string Shown(const Workbook& workbook, std::int32_t row, std::int32_t colum
   }
   if (const auto* text = std::get_if<TextId>(&cell->value)) {
     return "text " + workbook.Text(*text);
+  }
+  if (std::holds_alternative<NotComputed>(cell->value)) {
+    return "not computed";
   }
   return std::string(ErrorText(std::get<CellError>(cell->value)));
 }
@@ -192,15 +195,27 @@ TEST(ReadXls, FormulasGiveTheValueThatIsStored) {
   EXPECT_EQ(Shown(workbook, 1, 6), "text fog");
 }
 
-TEST(ReadXls, AFormulaWithoutAStoredValueNamesItsCell) {
-  const std::string message =
-      "w.xls: sheet 'Sheet1', row 7, column C: the formula has no stored value";
-  const std::string styles = StyleRecord(0);
+TEST(ReadXls, AFormulaWithoutAStoredValueIsNotComputed) {
+  const std::string number = Record(0x0203, At(7, 0) + BytesOf(1));
   for (const std::string& cells :
-       {Formula(6, 2, Result(0)), Formula(6, 2, Result(0)) + Record(0x0203, At(7, 0) + BytesOf(1)),
-        Formula(6, 2, Result(9))}) {
-    EXPECT_EQ(ReadError(XlsFile{.globals = styles, .sheets = {cells}}.Bytes()), message);
+       {Formula(6, 2, Result(0)), Formula(6, 2, Result(0)) + number, Formula(6, 2, Result(9))}) {
+    EXPECT_EQ(Shown(Read(cells), 7, 3), "not computed");
   }
+  EXPECT_EQ(Shown(Read(Formula(6, 2, Result(0)) + number), 8, 1), "number 1.000000");
+}
+
+TEST(ReadXls, SheetsWhoseNamesDifferByCaseAloneAreRefused) {
+  const auto entry = [](const std::string& name) {
+    return BiffMaker()
+        .Add(0x0085,
+             Bytes32(0) + std::string(2, '\0') + static_cast<char>(name.size()) + Narrow8(name))
+        .bytes();
+  };
+  EXPECT_EQ(ReadError(XlsFile{.globals = entry("SHEET1")}.Bytes()),
+            "w.xls: sheets 1 and 2 have one name in whatever case, 'Sheet1'");
+  EXPECT_EQ(
+      ReadError(XlsFile{.globals = entry(std::string(32, 'x'))}.Bytes()),
+      "w.xls: the name of sheet 1, '" + std::string(32, 'x') + "', is longer than 31 characters");
 }
 
 TEST(ReadXls, ATextThatNoFormulaWaitsForIsPassedOver) {
@@ -354,14 +369,14 @@ TEST(ReadXls, SheetsThatLieOverOneAnotherAreRefused) {
     BiffMaker maker;
     maker.Begin(5);
     for (int i = 0; i < 1'000; ++i) {
-      maker.Add(0x0085,
-                Bytes32(static_cast<std::uint32_t>(offset)) + "\0\0"s + '\1' + Narrow8("s"));
+      maker.Add(0x0085, Bytes32(static_cast<std::uint32_t>(offset)) + "\0\0"s + '\4' +
+                            Narrow8(std::to_string(1'000 + i)));
     }
     return maker.End().bytes();
   };
   const std::string stream = globals(globals(0).size()) + sheet;
   EXPECT_EQ(ReadError(MakeCompoundFile({{"Workbook", stream}})),
-            "w.xls: sheet 's': the file is damaged: its sheets overlap");
+            "w.xls: sheet '1003': the file is damaged: its sheets overlap");
 }
 
 TEST(ReadXls, ChainsThatRunInACircleAreRefused) {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "spreadsheet/workbook_reader.h"
-#include "tests/spreadsheet/test_files.h"
+#include "tests/support/workbooks/test_files.h"
 
 namespace nimbrel::spreadsheet {
 namespace {
@@ -26,6 +26,9 @@ std::string Shown(const Workbook& workbook, const Sheet& sheet, std::string_view
   }
   if (const auto* text = std::get_if<TextId>(&cell->value)) {
     return "text " + workbook.Text(*text);
+  }
+  if (std::holds_alternative<NotComputed>(cell->value)) {
+    return "not computed";
   }
   return std::string(ErrorText(std::get<CellError>(cell->value)));
 }
@@ -109,13 +112,12 @@ TEST(ReadXlsx, FormulasGiveTheValueThatIsStored) {
   EXPECT_EQ(ReadCell(OneCellFile("t='b'", "<f>TRUE()</f><v>1</v>").Bytes()), "true");
 }
 
-TEST(ReadXlsx, AFormulaWithoutAStoredValueNamesItsCell) {
+TEST(ReadXlsx, AFormulaWithoutAStoredValueIsNotComputed) {
   for (const auto& [attributes, content] : {std::pair{"", "<f>1+1</f>"},
                                             {"", "<f>1+1</f><v></v>"},
                                             {"t='str'", "<f>A2</f>"},
                                             {"t='b'", "<f>A2</f><v/>"}}) {
-    EXPECT_EQ(ReadError(OneCellFile(attributes, content).Bytes()),
-              "w.xlsx: sheet 'Sheet1', row 1, column A: the formula has no stored value");
+    EXPECT_EQ(ReadCell(OneCellFile(attributes, content).Bytes()), "not computed");
   }
 }
 
@@ -172,6 +174,39 @@ TEST(ReadXlsx, SheetsComeInTheOrderOfTheWorkbook) {
   ASSERT_EQ(workbook.sheets().size(), 3U);
   EXPECT_EQ(workbook.sheets()[0]->name(), "Sheet2");
   EXPECT_EQ(workbook.sheets()[2]->name(), "Sheet1");
+}
+
+/// The message for a workbook of sheets with these names, as they stand in its XML.
+std::string NamesError(const std::vector<std::string>& names) {
+  XlsxFile file{.sheets = std::vector<std::string>(names.size())};
+  Parts parts = file.MakeParts();
+  std::string book = PartOf(file.Bytes(), "xl/workbook.xml");
+  for (std::size_t i = names.size(); i > 0; --i) {
+    const std::string old = "\"Sheet" + std::to_string(i) + "\"";
+    book.replace(book.find(old), old.size(), "\"" + names[i - 1] + "\"");
+  }
+  Replace(parts, "xl/workbook.xml", book);
+  return ReadError(MakeZip(parts));
+}
+
+TEST(ReadXlsx, SheetsHaveNamesThatExcelTakes) {
+  const std::string longest(31, 'x');
+  EXPECT_EQ(NamesError({"a", longest, "_x005F_x0041_", "B&amp;B"}), "");
+  EXPECT_EQ(NamesError({"a", longest + "x"}),
+            "w.xlsx: the name of sheet 2, '" + longest + "x', is longer than 31 characters");
+  EXPECT_EQ(NamesError({"a", ""}), "w.xlsx: the name of sheet 2, '', is empty");
+  EXPECT_EQ(NamesError({"a/b"}),
+            "w.xlsx: the name of sheet 1, 'a/b', has one of the characters : \\ / ? * [ ]");
+  EXPECT_EQ(NamesError({"a&#10;b"}),
+            "w.xlsx: the name of sheet 1, 'a\xEF\xBF\xBD"
+            "b', has a control character");
+}
+
+TEST(ReadXlsx, SheetsWhoseNamesDifferByCaseAloneAreRefused) {
+  EXPECT_EQ(NamesError({"Rain", "Frost", "RAIN"}),
+            "w.xlsx: sheets 1 and 3 have one name in whatever case, 'RAIN'");
+  EXPECT_EQ(NamesError({"Böe", "BÖE"}),
+            "w.xlsx: sheets 1 and 2 have one name in whatever case, 'BÖE'");
 }
 
 TEST(ReadXlsx, ChartsAreLeftOut) {

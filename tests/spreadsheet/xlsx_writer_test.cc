@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <set>
@@ -151,6 +153,106 @@ TEST(WriteXlsx, AFailureLeavesWhatWasThere) {
             platform::kApplicationDefined);
   EXPECT_EQ(folder.Names(), std::vector<std::string>{"w.xlsx"});
   EXPECT_EQ(ReadBytes(folder.File("w.xlsx")), "before");
+}
+
+TEST(WriteXlsx, EveryNameThatASheetMayHaveReadsBack) {
+  // These take more characters in the file than a sheet's name may have.
+  const std::vector<std::string> names = {
+      "_x0041__x0041__x0041__x0041_abc", "_x0041_", "_x005F_x0041_", std::string(31, '_'),
+      "=1+1 & <Böe> \"雨\" 🌧",      " blank "};
+  Workbook workbook;
+  for (const std::string& name : names) {
+    workbook.AddSheet(name);
+  }
+  const Workbook back = ReadWorkbookBytes(Write(workbook), "w");
+  ASSERT_EQ(back.sheets().size(), names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    EXPECT_EQ(back.sheets()[i]->name(), names[i]);
+  }
+}
+
+TEST(WriteXlsx, ALinkIsFollowedAndStays) {
+  const TemporaryFolder folder;
+  WriteBytes(folder.File("old.xlsx"), "before");
+  std::filesystem::create_symlink("old.xlsx", folder.File("link.xlsx"));
+  std::filesystem::create_symlink("link.xlsx", folder.File("far.xlsx"));
+  WriteXlsx(OneTextBook("x"), folder.File("far.xlsx"));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("far.xlsx")));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("link.xlsx")));
+  EXPECT_FALSE(std::filesystem::is_symlink(folder.File("old.xlsx")));
+  EXPECT_TRUE(ReadBytes(folder.File("old.xlsx")).starts_with("PK"));
+  // Also to a file that is not there yet.
+  std::filesystem::create_directory(folder.File("sub"));
+  std::filesystem::create_symlink("sub/new.xlsx", folder.File("new.xlsx"));
+  WriteXlsx(OneTextBook("x"), folder.File("new.xlsx"));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("new.xlsx")));
+  EXPECT_TRUE(ReadBytes(folder.File("sub/new.xlsx")).starts_with("PK"));
+}
+
+TEST(WriteXlsx, TheNewFileHasThePermissionsOfTheOldOne) {
+  using std::filesystem::perms;
+  const TemporaryFolder folder;
+  WriteBytes(folder.File("w.xlsx"), "before");
+  const auto own = perms::owner_read | perms::owner_write;
+  std::filesystem::permissions(folder.File("w.xlsx"), own);
+  WriteXlsx(OneTextBook("x"), folder.File("w.xlsx"));
+  EXPECT_EQ(std::filesystem::status(folder.File("w.xlsx")).permissions(), own);
+}
+
+TEST(WriteXlsx, WhatTheUserStopsLeavesWhatWasThere) {
+  const TemporaryFolder folder;
+  WriteBytes(folder.File("w.xlsx"), "before");
+  Workbook workbook = OneTextBook("x");
+  workbook.AddSheet("t");
+  // Asked before each sheet, before and after the file is made, and before it is put in place.
+  for (int stop_at = 1; stop_at <= 5; ++stop_at) {
+    int asked = 0;
+    const Raised raised = ErrorOf(
+        [&] { WriteXlsx(workbook, folder.File("w.xlsx"), [&] { return ++asked == stop_at; }); });
+    EXPECT_EQ(raised.number, kStoppedByUser);
+    EXPECT_EQ(asked, stop_at);
+    EXPECT_EQ(folder.Names(), std::vector<std::string>{"w.xlsx"});
+    EXPECT_EQ(ReadBytes(folder.File("w.xlsx")), "before");
+  }
+  WriteXlsx(workbook, folder.File("w.xlsx"), [] { return false; });
+  EXPECT_NE(ReadBytes(folder.File("w.xlsx")), "before");
+}
+
+TEST(WriteXlsx, WhatNoReaderTakesIsNotWritten) {
+  const TemporaryFolder folder;
+  Workbook workbook;
+  workbook.AddSheet("a/b");
+  EXPECT_EQ(ErrorOf([&] { WriteXlsx(workbook, folder.File("w.xlsx")); }).text,
+            folder.File("w.xlsx") +
+                ": cannot be written: the name of sheet 1, 'a/b', has one of "
+                "the characters : \\ / ? * [ ]");
+}
+
+// The library needs files of its own while it puts the package together.
+TEST(WriteXlsx, AFailureOfTheLibraryIsToldOnce) {
+  const TemporaryFolder folder;
+  const Workbook workbook = OneTextBook("x");
+  ::testing::internal::CaptureStderr();
+  const int free_descriptor = ::dup(STDERR_FILENO);
+  ::close(free_descriptor);
+  rlimit before{};
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  // One for the part of the file, one for standard error as it was, one for the package.
+  const rlimit few{static_cast<rlim_t>(free_descriptor) + 3, before.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &few);
+  const Raised raised = ErrorOf([&] { WriteXlsx(workbook, folder.File("w.xlsx")); });
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(raised.number, platform::kApplicationDefined);
+  EXPECT_TRUE(raised.text.starts_with(folder.File("w.xlsx") + ": cannot be written: the file: "))
+      << raised.text;
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{});
+}
+
+TEST(WriteXlsx, AFormulaWithoutAValueIsWrittenAsNothing) {
+  Workbook workbook = OneTextBook("x");
+  workbook.sheets()[0]->Put({2, 1, kFormatOfPlace, NotComputed()});
+  EXPECT_EQ(ReadWorkbookBytes(Write(workbook), "w").sheets()[0]->Find(2, 1), nullptr);
 }
 
 TEST(WriteXlsx, APlaceThatCannotBeWrittenIsNamed) {

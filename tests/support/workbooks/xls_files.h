@@ -49,8 +49,12 @@ struct XlsFile {
 /// An XF record, the style of cells, with a number format.
 std::string StyleRecord(unsigned format);
 
-/// A compound file with the streams, in sectors of 512 bytes; small streams go where small streams
-/// go.
-std::string MakeCompoundFile(const std::vector<std::pair<std::string, std::string>>& streams);
+/// The two sizes that sectors have, as powers of two.
+inline constexpr unsigned kUsualSectors = 9;
+inline constexpr unsigned kLargeSectors = 12;  // for more than some 6 MiB
+
+/// A compound file with the streams; small streams go where small streams go.
+std::string MakeCompoundFile(const std::vector<std::pair<std::string, std::string>>& streams,
+                             unsigned sector_shift = kUsualSectors);
 
 }  // namespace nimbrel::spreadsheet

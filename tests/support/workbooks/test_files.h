@@ -49,7 +49,11 @@ void WriteBytes(const std::string& path, std::string_view bytes);
 
 /// Parts of a zip package with their names, in order.
 using Parts = std::vector<std::pair<std::string, std::string>>;
-std::string MakeZip(const Parts& parts);
+enum class Packing { kDeflated, kStored };
+std::string MakeZip(const Parts& parts, Packing packing = Packing::kDeflated);
+/// The same, with one text more under each of the names, which is packed only once.
+std::string MakeZipWithCopies(const Parts& parts, const std::string& text,
+                              const std::vector<std::string>& names);
 /// The parts of a package that is sound.
 Parts ReadZip(std::string_view bytes);
 /// The bytes of a part; empty if there is none.

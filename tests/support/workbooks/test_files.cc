@@ -1,4 +1,4 @@
-#include "tests/spreadsheet/test_files.h"
+#include "tests/support/workbooks/test_files.h"
 
 #include <stdlib.h>
 #include <zip.h>
@@ -61,29 +61,84 @@ void WriteBytes(const std::string& path, std::string_view bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
 }
 
-std::string MakeZip(const Parts& parts) {
+namespace {
+
+/// A zip that is being made in memory.
+class ZipMaker {
+ public:
+  ZipMaker() {
+    zip_error_t error;
+    zip_error_init(&error);
+    target_ = zip_source_buffer_create(nullptr, 0, 0, &error);
+    archive_ = zip_open_from_source(target_, ZIP_TRUNCATE, &error);
+    zip_error_fini(&error);
+    Require(archive_ != nullptr);
+    zip_source_keep(target_);
+  }
+  ZipMaker(const ZipMaker&) = delete;
+  ZipMaker& operator=(const ZipMaker&) = delete;
+  ~ZipMaker() { zip_source_free(target_); }
+
+  zip_t* archive() const { return archive_; }
+
+  void Add(const std::string& name, zip_source_t* source, Packing packing) {
+    // A package may have two parts of one name, and tests need such ones.
+    const auto added = zip_file_add(archive_, name.c_str(), source, ZIP_FL_ENC_UTF_8);
+    Require(added >= 0);
+    const auto index = static_cast<zip_uint64_t>(added);
+    zip_file_set_mtime(archive_, index, 946'684'800, 0);
+    if (packing == Packing::kStored) {
+      zip_set_file_compression(archive_, index, ZIP_CM_STORE, 0);
+    }
+  }
+
+  void Add(const Parts& parts, Packing packing) {
+    for (const auto& [name, text] : parts) {
+      Add(name, zip_source_buffer(archive_, text.data(), text.size(), 0), packing);
+    }
+  }
+
+  std::string Close() {
+    Require(zip_close(archive_) == 0);
+    zip_source_open(target_);
+    zip_source_seek(target_, 0, SEEK_END);
+    std::string bytes(static_cast<std::size_t>(zip_source_tell(target_)), '\0');
+    zip_source_seek(target_, 0, SEEK_SET);
+    zip_source_read(target_, bytes.data(), bytes.size());
+    zip_source_close(target_);
+    return bytes;
+  }
+
+ private:
+  zip_source_t* target_;
+  zip_t* archive_;
+};
+
+}  // namespace
+
+std::string MakeZip(const Parts& parts, Packing packing) {
+  ZipMaker maker;
+  maker.Add(parts, packing);
+  return maker.Close();
+}
+
+std::string MakeZipWithCopies(const Parts& parts, const std::string& text,
+                              const std::vector<std::string>& names) {
+  const std::string once = MakeZip({{"x", text}});
   zip_error_t error;
   zip_error_init(&error);
-  zip_source_t* const target = zip_source_buffer_create(nullptr, 0, 0, &error);
-  zip_t* const archive = zip_open_from_source(target, ZIP_TRUNCATE, &error);
-  Require(archive != nullptr);
-  zip_source_keep(target);
-  for (const auto& [name, text] : parts) {
-    zip_source_t* const source = zip_source_buffer(archive, text.data(), text.size(), 0);
-    // A package may have two parts of one name, and tests need such ones.
-    const auto index = zip_file_add(archive, name.c_str(), source, ZIP_FL_ENC_UTF_8);
-    Require(index >= 0);
-    zip_file_set_mtime(archive, static_cast<zip_uint64_t>(index), 946'684'800, 0);
-  }
-  Require(zip_close(archive) == 0);
-  zip_source_open(target);
-  zip_source_seek(target, 0, SEEK_END);
-  std::string bytes(static_cast<std::size_t>(zip_source_tell(target)), '\0');
-  zip_source_seek(target, 0, SEEK_SET);
-  zip_source_read(target, bytes.data(), bytes.size());
-  zip_source_close(target);
-  zip_source_free(target);
+  zip_source_t* const source = zip_source_buffer_create(once.data(), once.size(), 0, &error);
+  zip_t* const packed = zip_open_from_source(source, ZIP_RDONLY, &error);
   zip_error_fini(&error);
+  Require(packed != nullptr);
+  ZipMaker maker;
+  maker.Add(parts, Packing::kDeflated);
+  for (const std::string& name : names) {
+    // Taken over as it is packed.
+    maker.Add(name, zip_source_zip(maker.archive(), packed, 0, 0, 0, -1), Packing::kDeflated);
+  }
+  std::string bytes = maker.Close();
+  zip_discard(packed);
   return bytes;
 }
 

@@ -1,11 +1,14 @@
-#include "tests/spreadsheet/xls_files.h"
+#include "tests/support/workbooks/xls_files.h"
 
+#include <algorithm>
 #include <bit>
+#include <stdexcept>
 
 namespace nimbrel::spreadsheet {
 namespace {
 
-constexpr std::size_t kSector = 512;
+constexpr std::size_t kHeader = 512;
+constexpr std::size_t kTablesInHeader = 109;
 constexpr std::size_t kSmallSector = 64;
 constexpr std::size_t kSmallLimit = 4096;
 constexpr std::uint32_t kEndOfChain = 0xFFFFFFFE;
@@ -122,11 +125,16 @@ std::string XlsFile::Stream() const {
 }
 
 std::string XlsFile::Bytes() const {
-  return MakeCompoundFile({{version == 0x0600 ? "Workbook" : "Book", Stream()}});
+  const std::string stream = Stream();
+  constexpr std::size_t kLarge = std::size_t{4} << 20;
+  return MakeCompoundFile({{version == 0x0600 ? "Workbook" : "Book", stream}},
+                          stream.size() < kLarge ? kUsualSectors : kLargeSectors);
 }
 
-std::string MakeCompoundFile(const std::vector<std::pair<std::string, std::string>>& streams) {
-  Sectors sectors{kSector, {}, {}};
+std::string MakeCompoundFile(const std::vector<std::pair<std::string, std::string>>& streams,
+                             unsigned sector_shift) {
+  const std::size_t sector_size = std::size_t{1} << sector_shift;
+  Sectors sectors{sector_size, {}, {}};
   Sectors small{kSmallSector, {}, {}};
   std::string directory;
   for (std::size_t i = 0; i < streams.size(); ++i) {
@@ -144,7 +152,7 @@ std::string MakeCompoundFile(const std::vector<std::pair<std::string, std::strin
   const std::uint32_t directory_start = sectors.Append(directory);
 
   // The table has a place for each sector, its own included.
-  const std::size_t per_sector = kSector / 4;
+  const std::size_t per_sector = sector_size / 4;
   std::size_t table_sectors = 1;
   while (table_sectors * per_sector < sectors.table.size() + table_sectors) {
     ++table_sectors;
@@ -156,14 +164,18 @@ std::string MakeCompoundFile(const std::vector<std::pair<std::string, std::strin
 
   std::string header = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
   header.resize(24);
-  header += Bytes16(0x3E) + Bytes16(3) + Bytes16(0xFFFE) + Bytes16(9) + Bytes16(6);
+  header += Bytes16(0x3E) + Bytes16(3) + Bytes16(0xFFFE) + Bytes16(sector_shift) + Bytes16(6);
   header.resize(44);
   header += Bytes32(static_cast<std::uint32_t>(table_sectors)) + Bytes32(directory_start) +
             Bytes32(0) + Bytes32(kSmallLimit) + Bytes32(small_table) + Bytes32(1) +
             Bytes32(kEndOfChain) + Bytes32(0);
-  for (std::size_t i = 0; i < 109; ++i) {
+  if (table_sectors > kTablesInHeader) {
+    throw std::logic_error("the test's streams need larger sectors");
+  }
+  for (std::size_t i = 0; i < kTablesInHeader; ++i) {
     header += Bytes32(i < table_sectors ? first_table + static_cast<std::uint32_t>(i) : kFree);
   }
+  Pad(header, std::max(sector_size, kHeader));
   return header + sectors.bytes;
 }
 
