@@ -34,13 +34,18 @@ std::string DayText(Instant instant) {
   return instant.IsAbsent() ? "-" : engine::ToIsoText(instant.AsFinish()).substr(0, 10);
 }
 
+/// With one decimal of the two that the JSON has, so that all outputs show the same.
+std::string Days(double days) {
+  return fmt::format("{:.1f}", Rounded(Rounded(days, 2), 1));
+}
+
 std::string DaysText(double days) {
-  return fmt::format("{:.1f} days", Rounded(days, 1));
+  return Days(days) + " days";
 }
 
 /// "-" where there are too few samples for an interval.
 std::string IntervalText(double low, double high) {
-  return std::isnan(low) ? "-" : fmt::format("{:.1f} .. {:.1f}", Rounded(low, 1), Rounded(high, 1));
+  return std::isnan(low) ? "-" : Days(low) + " .. " + Days(high);
 }
 
 /// "19.7 days (18.2 .. 20.7)".
@@ -123,9 +128,8 @@ std::string CalendarTable(const engine::RunDocument& document) {
   table.AddRow({"Weather calendar", "kind", "lost days, mean", "P80", "95% interval"});
   table.AddRule();
   for (const engine::CalendarLoss& calendar : document.calendars) {
-    table.AddRow({CutTo(calendar.name, kNameWidth), calendar.kind,
-                  fmt::format("{:.1f}", Rounded(calendar.lost_days.mean, 1)),
-                  fmt::format("{:.1f}", Rounded(calendar.lost_days.p80, 1)),
+    table.AddRow({CutTo(calendar.name, kNameWidth), calendar.kind, Days(calendar.lost_days.mean),
+                  Days(calendar.lost_days.p80),
                   IntervalText(calendar.lost_days.p80_low, calendar.lost_days.p80_high)});
   }
   return table.Text();
@@ -141,9 +145,9 @@ std::string AttributionText(const engine::RunDocument& document, bool chart,
   const auto row = [&table](const std::string& name, const std::string& way,
                             const engine::DayFigures& cost) {
     std::vector<std::string> cells = {CutTo(name, kNameWidth), way};
-    cells.push_back(fmt::format("{:.1f}", Rounded(cost.mean, 1)));
+    cells.push_back(Days(cost.mean));
     for (const auto& p : PercentilesOf(cost)) {
-      cells.push_back(WithInterval(fmt::format("{:.1f}", Rounded(p.value, 1)), p.low, p.high));
+      cells.push_back(WithInterval(Days(p.value), p.low, p.high));
     }
     table.AddRow(std::move(cells));
   };
@@ -152,8 +156,7 @@ std::string AttributionText(const engine::RunDocument& document, bool chart,
   for (const engine::CalendarAttribution& calendar : attribution.calendars) {
     row(calendar.name, "with the others", calendar.cost);
     row("", "alone", calendar.cost_alone);
-    bars.push_back(
-        {calendar.name, calendar.cost.p80, fmt::format("{:.1f} d", Rounded(calendar.cost.p80, 1))});
+    bars.push_back({calendar.name, calendar.cost.p80, Days(calendar.cost.p80) + " d"});
   }
   std::stable_sort(bars.begin(), bars.end(),
                    [](const TornadoBar& a, const TornadoBar& b) { return a.value > b.value; });
@@ -172,7 +175,7 @@ std::string LedgerText(const engine::RunDocument& document) {
   for (const engine::LedgerRow& line : document.ledger) {
     std::vector<std::string> cells = {CutTo(line.name, kNameWidth)};
     for (const double days : {line.lost, line.off, line.idle, line.absorbed, line.moving}) {
-      cells.push_back(fmt::format("{:.1f}", Rounded(days, 1)));
+      cells.push_back(fmt::format("{:.1f}", Rounded(Rounded(days, 4), 1)));
     }
     table.AddRow(std::move(cells));
   }
@@ -186,7 +189,7 @@ std::string SensitivityText(const engine::Sensitivity& target, const Terminal& t
   for (const engine::TaskDrive& task : target.tasks) {
     if (bars.size() < kMostCritical && task.cruciality > 0) {
       bars.push_back({task.id + "  " + task.name, task.sensitivity,
-                      fmt::format("{:+.2f}", Rounded(task.sensitivity, 2))});
+                      fmt::format("{:+.2f}", Rounded(Rounded(task.sensitivity, 4), 2))});
     }
   }
   std::stable_sort(bars.begin(), bars.end(), [](const TornadoBar& a, const TornadoBar& b) {
@@ -205,9 +208,8 @@ std::string UntilLine(const engine::UntilOutcome& until) {
     return fmt::format("Too few iterations for a 95% interval of P80; {:g} days were asked for.\n",
                        until.days);
   }
-  return fmt::format("The 95% interval of P80 is {:.1f} days wide; {:g} were asked for{}\n",
-                     Rounded(until.width_days, 1), until.days,
-                     until.met ? "." : ", and not reached.");
+  return fmt::format("The 95% interval of P80 is {} days wide; {:g} were asked for{}\n",
+                     Days(until.width_days), until.days, until.met ? "." : ", and not reached.");
 }
 
 /// A percentile of a date with its interval, if it has one: "2027-08-18 (08-17 .. 08-21)".
@@ -230,11 +232,10 @@ std::string TaskTable(const std::string& title,
   table.AddRule();
   for (const engine::DatedTask* task : results) {
     const auto percentiles = PercentilesOf(task->finish);
-    table.AddRow(
-        {CutTo(task->id, 20), CutTo(task->name, kNameWidth),
-         fmt::format("{:.0f}%", task->criticality * 100), PercentileText(percentiles[1]),
-         PercentileText(percentiles[2]),
-         task->nosplit_pushed_days > 0 ? fmt::format("{:.1f} d", task->nosplit_pushed_days) : ""});
+    table.AddRow({CutTo(task->id, 20), CutTo(task->name, kNameWidth),
+                  fmt::format("{:.0f}%", Rounded(100 * Rounded(task->criticality, 4), 0)),
+                  PercentileText(percentiles[1]), PercentileText(percentiles[2]),
+                  task->nosplit_pushed_days > 0 ? Days(task->nosplit_pushed_days) + " d" : ""});
   }
   return table.Text();
 }

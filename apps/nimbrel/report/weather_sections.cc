@@ -87,17 +87,18 @@ std::string CostSection(const Figures& figures, const FinishPlaces& places) {
   }
   std::string body;
   if (figures.Has("/attribution")) {
-    body = "<h3>By calendar</h3>\n" +
-           ChartFigure(
-               "cost", "bars",
-               "Tornado: how many days each weather calendar costs at P80, with the others and "
-               "alone. The table below has all numbers.",
-               "Dark: how much earlier P80 would be if this calendar alone took no effect. Light: "
-               "how much later P80 is with this calendar and no other weather. All on the same "
-               "samples. The two need not add up to the whole: on a day that two calendars lose, "
-               "neither makes a difference by itself.",
-               Behind("Numbers of the cost", CostTable(figures))) +
-           LedgerPart(figures);
+    body =
+        "<h3>By calendar</h3>\n" +
+        ChartFigure(
+            "cost", "bars",
+            "Tornado: how many days each weather calendar costs at P80, with the others and "
+            "alone. The table below has all numbers.",
+            "With the others: how much earlier P80 would be if this calendar alone took no effect. "
+            "Alone: how much later P80 is with this calendar and no other weather. All on the same "
+            "samples. The bars need not add up to the whole: on a day that two calendars lose, "
+            "neither makes a difference by itself.",
+            Behind("Numbers of the cost", CostTable(figures))) +
+        LedgerPart(figures);
   } else {
     body = Missing("What each calendar costs, and what became of its days", "--attribute");
   }
