@@ -9,7 +9,10 @@ if(TARGET nimbrel_toolkit_win32)
   get_property(win32_resources GLOBAL PROPERTY NIMBREL_WIN32_RESOURCES)
   target_sources(test_win32 PRIVATE "${win32_resources}")
 endif()
-nimbrel_test(com LIBRARIES nimbrel_host_conformance nimbrel_trial_host nimbrel_com_served nimbrel_com nimbrel_simulation)
+nimbrel_test(win LIBRARIES nimbrel_platform_win)
+add_subdirectory(com/excel)
+nimbrel_test(com LIBRARIES nimbrel_host_conformance nimbrel_recording_excel nimbrel_exchange nimbrel_trial_host
+                           nimbrel_com_served nimbrel_com nimbrel_simulation)
 # It finds the component and the stand-in host beside itself.
 set_target_properties(test_com PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${NIMBREL_PROGRAM_FOLDER}")
-add_dependencies(test_com nimbrel_component nimbrel_host_server)
+add_dependencies(test_com nimbrel_component nimbrel_host_server nimbrel_excel_stand_in)

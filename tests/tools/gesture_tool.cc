@@ -4,19 +4,17 @@
 #include <memory>
 #include <utility>
 
-#include "dialog/frm_weather.h"
 #include "engine/objects/host.h"
-#include "host/cls_nimbrel.h"
-#include "host/mod_global.h"
 #include "nimbrel/command_error.h"
 #include "nimbrel/input_text.h"
 #include "nimbrel/plan_document.h"
 #include "nimbrel/wiring.h"
 #include "platform/locale.h"
-#include "tests/support/gestures/gesture_player.h"
+#include "spreadsheet/excel_application.h"
+#include "spreadsheet/workbook_viewer.h"
 #include "tests/support/gestures/gesture_script.h"
 #include "tests/tools/faces.h"
-#include "tests/tools/quiet_services.h"
+#include "tests/tools/play.h"
 
 namespace nimbrel::gestures {
 namespace {
@@ -87,17 +85,6 @@ std::unique_ptr<Hands> MakeHands(const std::string& name) {
   return face->make_hands();
 }
 
-/// Makes the host the add-in's application for as long as it lives.
-class Wired {
- public:
-  Wired(engine::Host& host, const platform::Locale& locale) {
-    modGlobal::Wire({[&host] { return platform::Ref<Corvane8::Application>(&host); }, locale});
-  }
-  ~Wired() { modGlobal::Wire({}); }
-  Wired(const Wired&) = delete;
-  Wired& operator=(const Wired&) = delete;
-};
-
 void Play(const Command& command, std::ostream& out) {
   const std::unique_ptr<Hands> hands = MakeHands(command.face);
   PlayOnPlan(command.plan, ParseScript(cli::ReadTextFile(command.script), command.script), *hands,
@@ -110,22 +97,9 @@ void PlayOnPlan(const std::string& plan, std::vector<Gesture> script, Hands& han
                 const platform::Locale& locale, std::ostream& out,
                 const std::function<void(toolkit::Desktop&)>& open) {
   const auto host = engine::MakeHost(cli::OpenPlanToChange(plan).plan, cli::MakeHostOptions());
-  GesturePlayer player(std::move(script), hands, out);
-  {
-    const Wired wired(*host, locale);
-    const QuietServices services(player, plan + ".shown.xlsx");
-    host::Seams seams;
-    seams.message_box = &player;
-    seams.ShowWeatherDialog = [&player] { dialog::ShowWeatherDialog(player); };
-    const auto entry = platform::MakeRef<host::clsNimbrel>(std::move(seams));
-    player.Play([&] {
-      if (open) {
-        open(player);
-      } else {
-        entry->Main();
-      }
-    });
-  }
+  spreadsheet::WorkbookSaver viewer(plan + ".shown.xlsx");
+  spreadsheet::ExcelServers excel(viewer);
+  PlayOnHost(*host, std::move(script), hands, locale, excel, out, open);
   cli::SaveDocument(host->document(), plan);
 }
 

@@ -56,8 +56,8 @@ std::string ExactSearch::FindFirst(const std::string& pattern) {
   return std::filesystem::is_regular_file(path, error) ? path.filename().string() : std::string();
 }
 
-QuietServices::QuietServices(toolkit::Desktop& desktop, std::string shown_workbook)
-    : file_dialog_(desktop), viewer_(std::move(shown_workbook)) {
+QuietServices::QuietServices(toolkit::Desktop& desktop, platform::AutomationServers& servers)
+    : file_dialog_(desktop) {
   modToolBox::Wire({.settings = &settings_,
                     .process_start = &desk_,
                     .windows = &desk_,
@@ -65,7 +65,7 @@ QuietServices::QuietServices(toolkit::Desktop& desktop, std::string shown_workbo
                     .help = &desk_,
                     .directory_search = &search_,
                     .message_box = &desktop});
-  modExcel::Wire({.servers = &excel_, .message_box = &desktop, .support_address = {}});
+  modExcel::Wire({.servers = &servers, .message_box = &desktop, .support_address = {}});
   modImportExport::Wire(
       {.message_box = &desktop,
        .choose_sheet = [&desktop](const std::vector<modImportExport::ListedSheet>& sheets,

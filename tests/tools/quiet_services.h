@@ -4,16 +4,14 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "dialog/desktop_file_dialog.h"
+#include "platform/automation.h"
 #include "platform/directory_search.h"
 #include "platform/help_window.h"
 #include "platform/process_start.h"
 #include "platform/settings_store.h"
 #include "platform/window_system.h"
-#include "spreadsheet/excel_application.h"
-#include "spreadsheet/workbook_viewer.h"
 #include "toolkit/desktop.h"
 
 namespace nimbrel::gestures {
@@ -52,12 +50,12 @@ class ExactSearch final : public platform::DirectorySearch {
 };
 
 /// What the add-in takes from the desktop, with nothing of the user's: wired for as long as the
-/// object lives, one at a time. Message boxes and file dialogs are those of `desktop`, workbooks
-/// those of the stand-in for Excel. One that is shown to the user is written to a file.
+/// object lives, one at a time. Message boxes and file dialogs are those of `desktop`, and Excel is
+/// what `servers` makes of its name.
 class QuietServices {
  public:
-  /// `desktop` must outlive the object; `shown_workbook` is the path of that file.
-  QuietServices(toolkit::Desktop& desktop, std::string shown_workbook);
+  /// Both must outlive the object.
+  QuietServices(toolkit::Desktop& desktop, platform::AutomationServers& servers);
   ~QuietServices();
   QuietServices(const QuietServices&) = delete;
   QuietServices& operator=(const QuietServices&) = delete;
@@ -67,8 +65,6 @@ class QuietServices {
   EmptyDesk desk_;
   ExactSearch search_;
   dialog::DesktopFileDialog file_dialog_;
-  spreadsheet::WorkbookSaver viewer_;
-  spreadsheet::ExcelServers excel_{viewer_};
 };
 
 }  // namespace nimbrel::gestures

@@ -18,45 +18,12 @@
 #include "platform/locale.h"
 #include "tests/support/gestures/qt/qt_hands.h"
 #include "tests/tools/gesture_tool.h"
+#include "tests/tools/shots.h"
 #include "toolkit/qt/form_window.h"
 #include "toolkit/qt/qt_desktop.h"
 
 namespace nimbrel::gestures {
 namespace {
-
-/// What is done before a window is as it is to be seen.
-struct Shot {
-  const char* name;
-  const char* script;
-  bool converts = false;  // opens the dialog that converts a calendar, which nothing else opens
-};
-
-constexpr Shot kShots[] = {
-    {"page-1-weather-events", "row lstWeather 3\n"},
-    {"page-2-weather-windows", "tab 1\nrow lstWW 1\n"},
-    {"page-3-assign-to-tasks",
-     "tab 2\nnode tvTasks \"DM-040 - Lift out old truss, span A\"\nkey tvTasks Up\n"
-     "key tvTasks Down\n"},
-    {"new-calendar", "click cmdAddWeatherCal\ntype txtCalName \"STORM\"\n"},
-    {"new-periods", "click cmdAddNewPeriods\n"},
-    {"new-window-calendar", "tab 1\nclick cmdAddWWCal\n"},
-    {"import",
-     "click cmdExport\nfile \"%PLAN%.shown.xlsx\"\nclick cmdImportWeather\n"
-     "row lstCals 1\n"},
-    {"convert-calendar", "type txtEnd \"1/Jan/2028\"\n", true},
-    {"weather-off", "click chkIsWeather\n"}};  // the last, since the plan stays so
-
-struct Box {
-  const char* name;
-  const char* text;
-  toolkit::Buttons buttons;
-};
-
-constexpr Box kBoxes[] = {
-    {"box-ok", "32/Foo/2027 is not a valid date!", toolkit::Buttons::kOk},
-    {"box-yes-no", "This will remove all Weather Modeling data.\r\nWould you like to continue?",
-     toolkit::Buttons::kYesNo},
-    {"box-error", "Object variable or With block variable not set", toolkit::Buttons::kOk}};
 
 QPalette DarkPalette() {
   QPalette palette(QColor(53, 53, 53), QColor(53, 53, 53));
@@ -114,7 +81,7 @@ void TakeShot(const Shot& shot, const std::string& plan, const std::string& fold
   Save(last, folder, shot.name);
 }
 
-void TakeBox(const Box& box, const std::string& folder) {
+void TakeBox(const BoxShot& box, const std::string& folder) {
   toolkit::qt::QtDesktop desktop;
   QTimer::singleShot(100, qApp, [&] {
     QWidget& window = *QApplication::activeModalWidget();
@@ -146,7 +113,7 @@ int Run(const QStringList& arguments) {
   for (const Shot& shot : kShots) {
     TakeShot(shot, plan, folder);
   }
-  for (const Box& box : kBoxes) {
+  for (const BoxShot& box : kBoxShots) {
     TakeBox(box, folder);
   }
   return 0;

@@ -280,6 +280,15 @@ class TextBoxFace final : public EditFace {
     ::SendMessageW(Window(), EM_SETLIMITTEXT, 0, 0);
   }
 
+  /// Windows writes at the top of a box: one that is higher than its text needs looks odd.
+  void TakeBounds(const RECT& bounds) const override {
+    const int spare =
+        static_cast<int>(bounds.bottom - bounds.top) - NeededHeight(bounds.right - bounds.left);
+    RECT inside = bounds;
+    ::InflateRect(&inside, 0, -std::max(spare, 0) / 2);
+    EditFace::TakeBounds(inside);
+  }
+
   void OnCommand(int code) override {
     if (code == EN_CHANGE) {
       OnEdited();

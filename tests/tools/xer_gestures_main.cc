@@ -1,0 +1,16 @@
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "tests/tools/xer_gestures.h"
+
+int main(int argc, char** argv) {
+  try {
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    return nimbrel::gestures::RunXerGestureTool(arguments, std::cout, std::cerr);
+  } catch (const std::exception& error) {
+    std::cerr << "nimbrel-gestures: " << error.what() << '\n';
+    return 4;
+  }
+}
