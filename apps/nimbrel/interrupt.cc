@@ -14,17 +14,23 @@ void Remember(int /*signal*/) {
 
 }  // namespace
 
-InterruptWatch::InterruptWatch() {
+InterruptWatch::InterruptWatch(const std::vector<int>& signals) {
   interrupted = 0;
   struct sigaction action {};
   action.sa_handler = Remember;
   sigemptyset(&action.sa_mask);
   action.sa_flags = SA_RESTART;
-  sigaction(SIGINT, &action, &before_);
+  for (const int signal : signals) {
+    struct sigaction before {};
+    sigaction(signal, &action, &before);
+    before_.emplace_back(signal, before);
+  }
 }
 
 InterruptWatch::~InterruptWatch() {
-  sigaction(SIGINT, &before_, nullptr);
+  for (const auto& [signal, before] : before_) {
+    sigaction(signal, &before, nullptr);
+  }
 }
 
 bool InterruptWatch::Raised() const {

@@ -1,13 +1,16 @@
 #pragma once
 
 #include <csignal>
+#include <utility>
+#include <vector>
 
 namespace nimbrel::cli {
 
 /// While it lives, an interrupt (Ctrl-C) does not end the process but is remembered. One at a time.
 class InterruptWatch {
  public:
-  InterruptWatch();
+  /// `signals` are those that count as an interrupt.
+  explicit InterruptWatch(const std::vector<int>& signals = {SIGINT});
   ~InterruptWatch();
   InterruptWatch(const InterruptWatch&) = delete;
   InterruptWatch& operator=(const InterruptWatch&) = delete;
@@ -16,7 +19,7 @@ class InterruptWatch {
   bool Raised() const;
 
  private:
-  struct sigaction before_ {};
+  std::vector<std::pair<int, struct sigaction>> before_;  // by signal
 };
 
 }  // namespace nimbrel::cli

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <csignal>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -9,6 +10,7 @@
 
 #include "nimbrel/command_error.h"
 #include "nimbrel/command_line.h"
+#include "nimbrel/interrupt.h"
 #include "nimbrel/output_file.h"
 #include "nimbrel/plan_document.h"
 #include "nimbrel/weather_workbook.h"
@@ -19,6 +21,7 @@
 #include "platform/text.h"
 #include "spreadsheet/excel_application.h"
 #include "spreadsheet/workbook_viewer.h"
+#include "spreadsheet/xlsx_writer.h"
 
 namespace nimbrel::cli {
 namespace {
@@ -46,18 +49,23 @@ class WarningBox final : public platform::MessageBox {
   Console& console_;
 };
 
-/// Writes what the export makes visible to a file, and shows it if that is wanted.
+/// Writes what the export makes visible to a file, and shows it if that is wanted. Raises
+/// CommandError; an interrupt ends it without a trace.
 class FileViewer final : public spreadsheet::WorkbookViewer {
  public:
-  FileViewer(const Options& options, Console& console) : options_(options), warnings_(console) {}
+  FileViewer(const Options& options, const InterruptWatch& interrupt, Console& console)
+      : options_(options), interrupt_(interrupt), warnings_(console) {}
 
   void Show(const spreadsheet::Workbook& workbook, const std::string& /*path*/) override {
     // An absolute path is no option to any program.
     const std::string path = std::filesystem::absolute(options_.output).string();
     try {
-      spreadsheet::WorkbookSaver(path).Show(workbook, {});
+      spreadsheet::WorkbookSaver(path, [this] { return interrupt_.Raised(); }).Show(workbook, {});
     } catch (const platform::RuntimeError& error) {
-      throw FileTrouble(fmt::format("{}: cannot be written: {}", options_.output, error.text()));
+      if (error.number() == spreadsheet::kStoppedByUser) {
+        throw CommandError(ExitCode::kStopped, options_.output + ": stopped, and not written");
+      }
+      throw FileTrouble(NamedAsGiven(error.text(), path));
     }
     sheets_ = workbook.sheets().size();
     if (options_.open) {
@@ -67,12 +75,17 @@ class FileViewer final : public spreadsheet::WorkbookViewer {
   std::size_t sheets() const { return sheets_; }
 
  private:
+  /// The writer's message, with the file as the user has named it.
+  std::string NamedAsGiven(const std::string& text, const std::string& path) const {
+    return text.starts_with(path + ":") ? options_.output + text.substr(path.size()) : text;
+  }
   static bool Start(const std::vector<std::string>& command) {
     constexpr std::int32_t kLastFailure = 32;
     return platform::StartDetached(command) > kLastFailure;
   }
 
   const Options& options_;
+  const InterruptWatch& interrupt_;
   WarningBox warnings_;
   std::size_t sheets_ = 0;
 };
@@ -89,7 +102,9 @@ ExitCode Export(const Options& options, Console& console) {
   RequireWorkbookName(options.output);
   RequireOtherFile("-o", options.output, options.plan);
   const PlanDocument document = OpenPlan(options.plan, {});
-  FileViewer viewer(options, console);
+  // The dialog itself takes no notice; the file is where it matters.
+  const InterruptWatch interrupt({SIGINT, SIGTERM, SIGHUP});
+  FileViewer viewer(options, interrupt, console);
   spreadsheet::ExcelServers servers(viewer);
   try {
     UnshownDialog dialog(document.plan, servers, {}, console);

@@ -20,6 +20,7 @@
 #include "nimbrel/weather_workbook_commands.h"
 #include "nimbrel/wiring.h"
 #include "platform/runtime_error.h"
+#include "platform/text.h"
 #include "spreadsheet/excel_application.h"
 #include "spreadsheet/grid.h"
 #include "spreadsheet/text_coding.h"
@@ -96,19 +97,41 @@ std::string FailedPlace(frmWeather& form, const CellWatch& watch) {
   return "sheet " + spreadsheet::Quoted(watch.sheet);
 }
 
+/// What is odd about a sheet's marker, as the end of a sentence that begins with the sheet; empty
+/// if nothing is. The marker of windows is taken only as it stands; anything else means events.
+std::string MarkerFault(const std::string& marker) {
+  const std::string folded = platform::FoldCase(marker);
+  if (folded == "weather-windows" || folded.find("window") == std::string::npos) {
+    return {};
+  }
+  return "counts as one of event periods, since A3 holds " + spreadsheet::Quoted(marker) +
+         " and not 'Weather-Windows'";
+}
+
+void WarnOfMarkers(const Options& options, const CellWatch& watch, Console& console) {
+  for (const auto& [sheet, marker] : watch.markers) {
+    if (const std::string fault = MarkerFault(marker); !fault.empty()) {
+      console.err << fmt::format("nimbrel: warning: {}: sheet {} {}\n", options.file,
+                                 spreadsheet::Quoted(sheet), fault);
+    }
+  }
+}
+
 /// An absolute path means no cancelled dialog, whatever the file is called.
 std::string FullPath(const Options& options) {
   return std::filesystem::absolute(options.file).string();
 }
 
 [[noreturn]] void RaiseFailed(const Options& options, const std::string& text,
-                              const std::string& place) {
+                              const std::string& place, const CellWatch& watch) {
+  const std::string fault = watch.markers.empty() ? "" : MarkerFault(watch.markers.back().second);
+  const std::string hint = fault.empty() ? "" : " (the sheet " + fault + ")";
   // Errors of the reader name file and place themselves.
   const std::string path = FullPath(options) + ":";
   if (text.starts_with(path)) {
-    throw BadInput(options.file + ":" + text.substr(path.size()));
+    throw BadInput(options.file + ":" + text.substr(path.size()) + hint);
   }
-  throw BadInput(options.file + ": " + (place.empty() ? "" : place + ": ") + text);
+  throw BadInput(options.file + ": " + (place.empty() ? "" : place + ": ") + text + hint);
 }
 
 void RequireReadable(const std::string& path) {
@@ -159,7 +182,7 @@ ExitCode Import(const Options& options, Console& console) {
   try {
     dialog->Press(dialog->form().cmdImport);
   } catch (const platform::RuntimeError& error) {
-    RaiseFailed(options, error.text(), FailedPlace(dialog->form(), watch));
+    RaiseFailed(options, error.text(), FailedPlace(dialog->form(), watch), watch);
   }
   if (dialog->has_asked() && !options.replace) {
     throw BadInput(options.plan +
@@ -170,6 +193,7 @@ ExitCode Import(const Options& options, Console& console) {
     throw FileTrouble(options.file + ": cannot be read");
   }
   RequireFreeNames(options, document.plan, dialog->document());
+  WarnOfMarkers(options, watch, console);
   console.out << WeatherSummary(options.plan, dialog->document());
   FlushOutput(console);
   SaveChanges(dialog->document(), document);

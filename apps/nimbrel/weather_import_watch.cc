@@ -21,8 +21,7 @@ using platform::Variant;
 /// The second cell in a row that is read of it makes it one that was taken.
 void Reach(CellWatch& watch, const std::string& sheet, std::int32_t row, std::int32_t column) {
   if (watch.sheet != sheet) {
-    watch = {};
-    watch.sheet = sheet;
+    watch = CellWatch{.sheet = sheet, .markers = std::move(watch.markers)};
   }
   if (watch.row == row && (watch.taken_rows.empty() || watch.taken_rows.back() != row)) {
     watch.taken_rows.push_back(row);
@@ -47,6 +46,9 @@ class WatchedObject final : public AutomationObject {
     }
     Variant value = Forward(arguments, [&](auto... all) { return object_->Get(member, {all...}); });
     if (EqualsIgnoreCase(member, "Value")) {
+      if (watch_.row == 3 && watch_.column == 1) {
+        watch_.markers.emplace_back(watch_.sheet, value.ToText(platform::DefaultLocale()));
+      }
       watch_.is_suspect = !value.IsEmpty();
     }
     return Watched(std::move(value));

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/automation.h"
@@ -21,6 +22,8 @@ struct CellWatch {
   /// The rows of the sheet of which more than the one cell was read that tells whether there is
   /// anything, in order.
   std::vector<std::int32_t> taken_rows{};
+  /// The text of cell A3 of each sheet so far, with the sheet's name in front of it.
+  std::vector<std::pair<std::string, std::string>> markers{};
 };
 
 /// Makes the objects of other servers, and notes in a CellWatch which cells are read through them.

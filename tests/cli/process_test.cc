@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -47,7 +48,7 @@ class Child {
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
 
-  void Interrupt() const { ::kill(pid_, SIGINT); }
+  void Interrupt(int signal = SIGINT) const { ::kill(pid_, signal); }
 
   /// The exit code, or 1000 and the number of the signal that ended it.
   int Wait() {
@@ -100,6 +101,66 @@ TEST_F(ProcessTest, AnInterruptedRunTellsWhatWasDoneWritesNoFileAndExitsWith130)
   ::close(out);
   ::close(terminal);
 }
+
+/// A process that is told to stop while it is writing: when that is, its part of a file tells.
+class StoppedExportTest : public ProcessTest, public ::testing::WithParamInterface<int> {
+ protected:
+  /// A plan of many calendars, which take a while to write.
+  std::string LargePlan() {
+    std::string calendars;
+    for (int i = 0; i < 300; ++i) {
+      std::string periods;
+      for (int k = 0; k < 60; ++k) {
+        periods += std::string(k == 0 ? "" : ",") +
+                   R"({ "description": "Week", "start": "2027-03-01", "finish": "2027-03-14",
+                        "probability": 0.5, "min": 2, "likely": 2, "max": 2 })";
+      }
+      calendars += std::string(i == 0 ? "" : ",") + R"({ "calendar": "SITE )" + std::to_string(i) +
+                   R"(", "periods": [)" + periods + "] }";
+    }
+    const std::string plan = ChainPlan();
+    Output({"weather", "set", plan, Write("w.json", R"({ "events": [)" + calendars + "] }")});
+    return plan;
+  }
+  /// Waits until a workbook is being written beside the old one.
+  void AwaitPart() const {
+    for (int tries = 0; tries < 60'000; ++tries) {
+      for (const auto& entry : std::filesystem::directory_iterator(Path(""))) {
+        if (entry.path().filename().string().starts_with("out.xlsx.part")) {
+          return;
+        }
+      }
+      ::usleep(1'000);
+    }
+    FAIL() << "no workbook is written";
+  }
+};
+
+TEST_P(StoppedExportTest, LeavesTheOldWorkbookAndNothingElse) {
+  const std::string plan = LargePlan();
+  Write("out.xlsx", "old");
+  Write("out.txt", "");
+  Write("err.txt", "");
+  const auto before = Files();
+  const int out = OpenToWrite("out.txt");
+  const int err = OpenToWrite("err.txt");
+  Child child({"weather", "export", plan, "-o", Path("out.xlsx")}, out, err);
+  ::close(out);
+  ::close(err);
+  AwaitPart();
+  child.Interrupt(GetParam());
+  EXPECT_EQ(child.Wait(), 130);
+  EXPECT_EQ(Read(Path("err.txt")), "nimbrel: " + Path("out.xlsx") + ": stopped, and not written\n");
+  Write("err.txt", "");
+  EXPECT_EQ(Files(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, StoppedExportTest, ::testing::Values(SIGINT, SIGTERM, SIGHUP),
+                         [](const auto& info) {
+                           return info.param == SIGINT    ? "Interrupt"
+                                  : info.param == SIGTERM ? "Terminate"
+                                                          : "HangUp";
+                         });
 
 TEST_F(ProcessTest, AClosedPipeIsFileTroubleAndNotASignal) {
   const std::string plan = WeatherPlan();

@@ -15,6 +15,7 @@
 #include "spreadsheet/workbook.h"
 #include "spreadsheet/xlsx_writer.h"
 #include "tests/cli/cli_fixture.h"
+#include "tests/support/workbooks/test_files.h"
 
 namespace nimbrel::cli {
 namespace {
@@ -162,7 +163,35 @@ TEST_F(WeatherWorkbookTest, AnExportNeverReplacesItsPlan) {
 
 TEST_F(WeatherWorkbookTest, AnExportThatCannotBeWrittenIsTrouble) {
   const std::string out = Path("nowhere") + "/out.xlsx";
-  ExpectFailure({"weather", "export", WeatherPlan(), "-o", out}, 3, out + ": cannot be written");
+  ExpectFailure({"weather", "export", WeatherPlan(), "-o", out}, 3,
+                "nimbrel: " + out + ": cannot be written: No such file or directory\n");
+}
+
+TEST_F(WeatherWorkbookTest, AnExportThroughALinkLeavesTheLink) {
+  const std::string out = Write("out.xlsx", "old");
+  std::filesystem::create_symlink("out.xlsx", Path("link.xlsx"));
+  Output({"weather", "export", WeatherPlan(), "-o", Path("link.xlsx")});
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link.xlsx")));
+  EXPECT_THAT(Read(out), StartsWith("PK"));
+}
+
+TEST_F(WeatherWorkbookTest, AnExportNeverReplacesItsPlanThroughALink) {
+  const std::string plan = WeatherPlan();
+  std::filesystem::create_symlink("plan.nplan", Path("link.xlsx"));
+  ExpectFailure({"weather", "export", plan, "-o", Path("link.xlsx")}, 2, "-o");
+}
+
+TEST_F(WeatherWorkbookTest, ANameThatLooksLikeAnEscapeComesBack) {
+  const std::string plan = ChainPlan();
+  const std::string name = "_x0041__x0041__x0041__x0041_ABC";
+  ASSERT_EQ(name.size(), 31u);
+  Output({"weather", "set", plan, Write("w.json", R"({ "events": [ { "calendar": ")" + name + R"(",
+    "periods": [ { "description": "March", "start": "2027-03-01", "finish": "2027-03-14",
+                   "probability": 1.0, "min": 2, "likely": 2, "max": 2 } ] } ] })")});
+  Output({"weather", "export", plan, "-o", Path("out.xlsx")});
+  Output({"weather", "import", plan, Path("out.xlsx"), "--replace"});
+  ASSERT_EQ(WeatherOf(plan).events.size(), 1u);
+  EXPECT_EQ(WeatherOf(plan).events[0].name, name);
 }
 
 TEST_F(WeatherWorkbookTest, ACalendarThatNoSheetCanBeCalledAfterEndsTheExport) {
@@ -267,6 +296,74 @@ TEST_F(WeatherWorkbookTest, AWindowsTextThatIsNoDateIsNamedByItsCell) {
   warm[6] = std::string("when it is warm");
   AddSheet("ICE", "Weather-Windows", {Window("a"), {}, warm});
   ExpectNoImport("sheet 'ICE', row 8, column H: Type mismatch: \"when it is warm\" is no date");
+}
+
+TEST_F(WeatherWorkbookTest, ALongTextIsQuotedInPartAndOnOneLine) {
+  AddSheet("STORM", "Weather-Events",
+           {Period("b", {2027, 1, 1}, {2027, 1, 31}, "often\x1b[2J\n" + std::string(30'000, 'x'))});
+  const std::string replaced = "\xEF\xBF\xBD";
+  ExpectNoImport("sheet 'STORM', row 6, column E: Type mismatch: \"often" + replaced + "[2J" +
+                 replaced + std::string(50, 'x') + "...\" is no number in en-US\n");
+}
+
+TEST_F(WeatherWorkbookTest, AFormulaWithoutAValueIsNamedWhereItIsRead) {
+  AddSheet("STORM", "Weather-Events", {Period("a", {2027, 1, 1}, {2027, 1, 31})});
+  SaveWorkbook();
+  // Of cell E6 in the file, and of one that nobody reads.
+  std::vector<std::pair<std::string, std::string>> cells = {{"E6", "K6"}, {"K6", "E6"}};
+  for (const auto& [formula, value] : cells) {
+    const std::string sheet =
+        "<row r='3'><c r='A3' t='inlineStr'><is><t>Weather-Events</t></is></c></row><row r='6'>"
+        "<c r='B6' t='inlineStr'><is><t>a</t></is></c><c r='C6'><v>46000</v></c>"
+        "<c r='D6'><v>46001</v></c><c r='" +
+        value + "'><v>1</v></c><c r='" + formula +
+        "'><f>1/2</f></c><c r='F6'><v>1</v></c><c r='G6'><v>2</v></c><c r='H6'><v>3</v></c></row>";
+    const std::string file =
+        Write("formula.xlsx", spreadsheet::XlsxFile{.sheets = {sheet}}.Bytes());
+    const std::string plan = ChainPlan();
+    if (formula == "E6") {
+      ExpectFailure({"weather", "import", plan, file}, 1,
+                    "nimbrel: " + file +
+                        ": sheet 'Sheet1', row 6, column E: the formula has no stored value\n");
+    } else {
+      EXPECT_THAT(Output({"weather", "import", plan, file}), HasSubstr("1 period"));
+    }
+  }
+}
+
+TEST_F(WeatherWorkbookTest, AMarkerThatIsNotQuiteThatOfWindowsIsPointedOut) {
+  AddSheet("ICE", "Weather-Windows ", {Window("Frozen")});
+  ExpectNoImport(
+      "sheet 'ICE', row 6, column F: Type mismatch: \"\" is no number in en-US (the sheet counts "
+      "as "
+      "one of event periods, since A3 holds 'Weather-Windows ' and not 'Weather-Windows')\n");
+}
+
+TEST_F(WeatherWorkbookTest, SuchAMarkerIsPointedOutAlsoWhereNothingFails) {
+  AddSheet("STORM", "Weather-Events", {Period("a", {2027, 1, 1}, {2027, 1, 31})});
+  AddSheet("ICE", "Weather windows", {});
+  const std::string file = SaveWorkbook();
+  const Outcome outcome = Run({"weather", "import", ChainPlan(), file});
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_EQ(outcome.err, "nimbrel: warning: " + file +
+                             ": sheet 'ICE' counts as one of event periods, since A3 holds "
+                             "'Weather windows' and not 'Weather-Windows'\n");
+}
+
+TEST_F(WeatherWorkbookTest, SheetsThatDifferByCaseAloneAreRefused) {
+  AddSheet("Rain", "Weather-Events", {Period("a", {2027, 1, 1}, {2027, 1, 31})});
+  AddSheet("Frost", "Weather-Events", {});
+  SaveWorkbook();
+  spreadsheet::Parts parts = spreadsheet::ReadZip(Read(Path("weather.xlsx")));
+  for (auto& [name, text] : parts) {
+    const auto frost = name == "xl/workbook.xml" ? text.find("\"Frost\"") : std::string::npos;
+    if (frost != std::string::npos) {
+      text.replace(frost, 7, "\"RAIN\"");
+    }
+  }
+  const std::string file = Write("weather.xlsx", spreadsheet::MakeZip(parts));
+  ExpectFailure({"weather", "import", ChainPlan(), file}, 1,
+                "nimbrel: " + file + ": sheets 1 and 2 have one name in whatever case, 'RAIN'\n");
 }
 
 TEST_F(WeatherWorkbookTest, AnErrorInACellIsNamedByIt) {
