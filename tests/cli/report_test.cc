@@ -110,8 +110,8 @@ bool Agrees(const ShownFigure& figure, const Json& value) {
   return figure.text == (value.is_string() ? value.get<std::string>() : value.dump());
 }
 
-/// Expects that all of `part` stands in `whole` as it is; lists may end earlier, and null stands for
-/// what was left out.
+/// Expects that all of `part` stands in `whole` as it is; lists may end earlier, and null stands
+/// for what was left out.
 void ExpectWithin(const Json& part, const Json& whole, const std::string& place) {
   if (part.is_structured() && !part.empty()) {
     ASSERT_EQ(part.type(), whole.type()) << place;
