@@ -627,6 +627,19 @@ TEST(XerReader, AResourceDependentActivityIsOnTheCalendarOfItsResource) {
   EXPECT_EQ(CountOf(primary, "without a resource"), 1);
 }
 
+TEST(XerReader, AMaterialLendsNoCalendar) {
+  XerText text = OneTask({{"task_type", "TT_Rsrc"}});
+  text.Calendar({{"clndr_id", "11"}, {"clndr_name", "Diver"}, {"clndr_type", "CA_Rsrc"}});
+  text.Calendar({{"clndr_id", "12"}, {"clndr_name", "Sand"}, {"clndr_type", "CA_Rsrc"}});
+  text.Row("RSRC", {{"rsrc_id", "49"}, {"clndr_id", "12"}, {"rsrc_type", "RT_Mat"}});
+  text.Row("RSRC", {{"rsrc_id", "50"}, {"clndr_id", "11"}, {"rsrc_type", "RT_Labor"}});
+  for (const char* resource : {"49", "50"}) {
+    text.Row("TASKRSRC", {{"task_id", "100"}, {"rsrc_id", resource}, {"proj_id", "1"}});
+  }
+  const ReadResult result = Read(text);
+  EXPECT_EQ(result.plan.FindCalendar(TaskOf(result.plan, "A1").calendar)->name, "Diver");
+}
+
 // What a plan cannot hold.
 
 TEST(XerReader, WhatIsLeftOutIsCounted) {
