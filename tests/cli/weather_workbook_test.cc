@@ -196,11 +196,17 @@ TEST_F(WeatherWorkbookTest, ANameThatLooksLikeAnEscapeComesBack) {
 
 TEST_F(WeatherWorkbookTest, ACalendarThatNoSheetCanBeCalledAfterEndsTheExport) {
   const std::string plan = ChainPlan();
-  Output({"weather", "set", plan, Write("w.json", R"({
-    "events": [ { "calendar": "SLEET/SNOW", "periods": [
-      { "description": "March", "start": "2027-03-01", "finish": "2027-03-14",
-        "probability": 1.0, "min": 2, "likely": 2, "max": 2 } ] } ] })")});
-  ExpectFailure({"weather", "export", plan, "-o", Path("out.xlsx")}, 1, "SLEET/SNOW");
+  const std::string long_name(32, 'X');
+  for (const auto& [name, fault] : {std::pair<std::string, std::string>{
+                                        "SLEET/SNOW", "has one of the characters : \\ / ? * [ ]"},
+                                    {long_name, "is longer than 31 characters"}}) {
+    Output({"weather", "set", plan, Write("w.json", R"({
+      "events": [ { "calendar": ")" + name + R"(", "periods": [
+        { "description": "March", "start": "2027-03-01", "finish": "2027-03-14",
+          "probability": 1.0, "min": 2, "likely": 2, "max": 2 } ] } ] })")});
+    ExpectFailure({"weather", "export", plan, "-o", Path("out.xlsx")}, 1,
+                  "nimbrel: " + plan + ": The sheet name '" + name + "' " + fault + "\n");
+  }
 }
 
 TEST_F(WeatherWorkbookTest, ProgressIsShownOnATerminalAndWipedAway) {

@@ -199,6 +199,50 @@ TEST_F(ExportButton, AFailureHalfWayRestoresNothing) {
                           "Excel.DisplayAlerts = False"));
 }
 
+TEST_F(ExportButton, AnExcelThatTheUserClosesIsLeftAlone) {
+  workbook().closed_at = ".Cells(6, 4).Value";
+  WhileOpen([this] {
+    form().cmdExport.UserClick();
+    EXPECT_THAT(form().lstWeatherCals.Entries(), ElementsAre("NORTH SEA", "FROST"));
+  });
+  ASSERT_THAT(desktop_.messages, SizeIs(1));
+  EXPECT_TRUE(desktop_.messages[0].reports_error);
+  EXPECT_EQ(desktop_.messages[0].text, "The remote server machine does not exist");
+  // The step at which it was gone is the last that was asked of it, and the progress tool runs on.
+  const Lines log = recorder().Containing({"Sheet", "Excel.", "Book.", "Running"});
+  EXPECT_THAT(log.back(), ::testing::HasSubstr(".Cells(6, 4).Value"));
+  EXPECT_THAT(recorder().Containing({"Running"}), ElementsAre("Settings.Save \"Running\" \"1\""));
+  EXPECT_FALSE(excel_.IsHeld());
+  EXPECT_THAT(TaskIds(), ElementsAre("WEATHER", "A", "P1", "P2", "P3", "W1", "W1-END"));
+}
+
+TEST_F(ExportButton, AnExcelThatIsGoneIsNoticedAtTheNextStepThatMayNotFail) {
+  workbook().closed_at = ".Range(\"B6:B6\").Select";  // which may fail
+  Export();
+  ASSERT_THAT(desktop_.messages, SizeIs(1));
+  EXPECT_TRUE(desktop_.messages[0].reports_error);
+  const Lines log = recorder().Containing({"Sheet", "Excel."});
+  EXPECT_THAT(log.back(), ::testing::EndsWith(".Range(\"B6:B6\").Select"));
+}
+
+TEST_F(ExportButton, AnExcelThatIsGoneBeforeItIsShownIsNotShown) {
+  workbook().closed_at = "Excel.Visible = True";
+  Export();
+  ASSERT_THAT(desktop_.messages, SizeIs(1));
+  EXPECT_TRUE(desktop_.messages[0].reports_error);
+  EXPECT_THAT(recorder().Containing({"Running"}), ElementsAre("Settings.Save \"Running\" \"1\""));
+  EXPECT_FALSE(workbook().visible);
+}
+
+TEST_F(ExportButton, CanBeRunAgainAfterExcelWasClosed) {
+  workbook().closed_at = "Name = \"FROST\"";
+  Export();
+  workbook() = {};
+  Export();
+  EXPECT_THAT(SheetNames(), ElementsAre("NORTH SEA", "FROST", "RIVER ICE"));
+  EXPECT_THAT(desktop_.messages, SizeIs(1));
+}
+
 TEST_F(ExportButton, CanBeRunAgainAfterAFailure) {
   recorder().FailOn("Name = \"FROST\"");
   Export();

@@ -282,6 +282,38 @@ TEST_F(ImportAllButton, AWorkbookThatCannotBeOpenedHasCostTheData) {
   EXPECT_THAT(recorder().Containing({"Quit"}), IsEmpty());
 }
 
+TEST_F(ImportAllButton, AnExcelThatTheUserClosesLeavesThePlanAsItIsThen) {
+  AddFloods();
+  AddStorms();
+  workbook().closed_at = "Sheet2.Cells(7, 5).Value";  // in the second row of the second sheet
+  WhileOpen([this] {
+    form().cmdImport.UserClick();
+    EXPECT_TRUE(form().m_bFilling);
+  });
+  ASSERT_THAT(desktop_.messages, SizeIs(2));
+  EXPECT_EQ(Messages()[0], kQuestion);
+  EXPECT_TRUE(desktop_.messages[1].reports_error);
+  EXPECT_THAT(NewTasks(), SizeIs(2));  // the window of the first sheet; the old data are gone
+  EXPECT_NE(plan().FindCalendar("Storms"), nullptr);
+  EXPECT_EQ(plan().FindCalendar("NORTH SEA"), nullptr);
+  EXPECT_THAT(recorder().Containing({"Close", "Quit"}), IsEmpty());
+  EXPECT_FALSE(excel_.IsHeld());
+}
+
+TEST_F(ImportAllButton, AnExcelThatIsGoneAtTheEndCostsTheMessageAlone) {
+  AddStorms();
+  workbook().closed_at = "Book.Close";
+  WhileOpen([this] {
+    form().cmdImport.UserClick();
+    EXPECT_TRUE(form().m_bFilling);
+    EXPECT_THAT(form().lstWeatherCals.Entries(), ElementsAre("Storms"));
+  });
+  ASSERT_THAT(desktop_.messages, SizeIs(2));
+  EXPECT_TRUE(desktop_.messages[1].reports_error);
+  EXPECT_THAT(NewTasks(), SizeIs(2));
+  EXPECT_THAT(recorder().Containing({"Quit"}), IsEmpty());
+}
+
 TEST_F(ImportAllButton, AProbabilityThatIsNoNumberStopsItWhereItIs) {
   AddFloods();
   AddSheet("Storms", "Weather-Events",

@@ -254,6 +254,74 @@ TEST_F(ImportEventsButton, ATextThatIsNoDateFailsWhenTheRowIsSaved) {
   EXPECT_FALSE(plan().auto_recalculate);
 }
 
+TEST_F(ImportEventsButton, ALengthThatIsNoNumberFailsWhenTheRowIsSaved) {
+  workbook().Sheet("STORMS").cells[{6, 7}] = "few";
+  ChooseRow(1);
+  OnEvents([this] { form().cmdImportWeather.UserClick(); });
+  ASSERT_THAT(desktop_.messages, SizeIs(2));
+  EXPECT_EQ(desktop_.messages[0].text, "Import completed!");
+  EXPECT_TRUE(desktop_.messages[1].reports_error);
+  EXPECT_EQ(plan().FindTask("P1"), nullptr);
+  EXPECT_EQ(plan().tasks.back()->description, "April");
+  EXPECT_FALSE(plan().auto_recalculate);
+}
+
+TEST_F(ImportEventsButton, AWorkbookThatCannotBeOpenedLeavesThePlanAsItIs) {
+  recorder().FailOn("open");
+  OnEvents([this] {
+    form().cmdImportWeather.UserClick();
+    EXPECT_EQ(form().lstWeather.ListItems().Count(), 0);  // nobody reloads it
+    EXPECT_EQ(form().lstWeatherCals.ListIndex(), 0);
+  });
+  ASSERT_THAT(desktop_.messages, SizeIs(1));
+  EXPECT_TRUE(desktop_.messages[0].reports_error);
+  EXPECT_THAT(TaskIds(), ElementsAre("WEATHER", "A", "P1", "P2", "P3", "W1", "W1-END"));
+  EXPECT_THAT(recorder().Containing({"Quit", "Visible"}), IsEmpty());
+}
+
+TEST_F(ImportEventsButton, AnExcelThatTheUserClosesLeavesThePlanAsItIs) {
+  for (const char* const step : {"Sheet1.Cells(6, 5).Value", "Book.Close", "Excel.Quit"}) {
+    SCOPED_TRACE(step);
+    desktop_.messages.clear();
+    workbook().closed_at = step;
+    workbook().closed = false;
+    ChooseRow(1);
+    OnEvents([this] { form().cmdImportWeather.UserClick(); });
+    NewForm();
+    ASSERT_THAT(desktop_.messages, SizeIs(1));
+    EXPECT_TRUE(desktop_.messages[0].reports_error);
+    EXPECT_THAT(TaskIds(), ElementsAre("WEATHER", "A", "P1", "P2", "P3", "W1", "W1-END"));
+    EXPECT_THAT(recorder().Containing({"Sheet", "Excel.", "Book."}).back(),
+                ::testing::StartsWith(step));
+    EXPECT_FALSE(excel_.IsHeld());
+  }
+}
+
+TEST_F(ImportEventsButton, AProbabilityThatDoesNotMultiplyExactlyReachesTheTaskAsItsTextHasIt) {
+  // 0.333 times 100 is 33.300000000000004 in binary; its text has fifteen digits. A third keeps
+  // them all.
+  workbook().Sheet("STORMS").cells[{6, 5}] = 0.333;
+  workbook().Sheet("STORMS").cells[{7, 2}] = "May";
+  workbook().Sheet("STORMS").cells[{7, 3}] = MakeDate(2027, 5, 1);
+  workbook().Sheet("STORMS").cells[{7, 4}] = MakeDate(2027, 5, 31);
+  workbook().Sheet("STORMS").cells[{7, 5}] = 1.0 / 3;
+  for (const std::int32_t column : {6, 7, 8}) {
+    workbook().Sheet("STORMS").cells[{7, column}] = 1.0;
+  }
+  ChooseRow(1);
+  OnEvents([this] {
+    form().cmdImportWeather.UserClick();
+    EXPECT_EQ(form().lstWeather.ListItems().Item(1)->SubItems(4), "33.3%");
+    EXPECT_EQ(form().lstWeather.ListItems().Item(2)->SubItems(4), "33.3333333333333%");
+    const auto& periods = form().m_oStorage.m_colEventTasks;
+    EXPECT_DOUBLE_EQ(periods.Item(periods.Count() - 1)->m_dOccur, 0.333);
+    EXPECT_DOUBLE_EQ(periods.Item(periods.Count())->m_dOccur, 0.333333333333333);
+  });
+  ASSERT_THAT(plan().tasks, SizeIs(7));
+  EXPECT_DOUBLE_EQ(plan().tasks[5]->risk->probability, 33.3);
+  EXPECT_DOUBLE_EQ(plan().tasks[6]->risk->probability, 33.3333333333333);
+}
+
 TEST_F(ImportEventsButton, AProbabilityGoesThroughTheListAsAPercentage) {
   workbook().Sheet("STORMS").cells[{6, 5}] = 0.07;
   ChooseRow(1);
@@ -349,6 +417,57 @@ TEST_F(ImportWindowsButton, ATextThatIsNoDateFailsWhenTheRowIsSaved) {
   ASSERT_THAT(desktop_.messages, SizeIs(2));
   EXPECT_TRUE(desktop_.messages[1].reports_error);
   EXPECT_FALSE(plan().auto_recalculate);
+}
+
+TEST_F(ImportWindowsButton, AWorkbookThatCannotBeOpenedLeavesThePlanAsItIs) {
+  recorder().FailOn("open");
+  OnWindows([this] {
+    form().cmdImportWW.UserClick();
+    EXPECT_EQ(form().lstWW.ListItems().Count(), 0);
+    EXPECT_EQ(form().lstWWCals.ListIndex(), 0);
+  });
+  ASSERT_THAT(desktop_.messages, SizeIs(1));
+  EXPECT_TRUE(desktop_.messages[0].reports_error);
+  EXPECT_THAT(TaskIds(), ElementsAre("WEATHER", "A", "P1", "P2", "P3", "W1", "W1-END"));
+  EXPECT_THAT(recorder().Containing({"Quit", "Visible"}), IsEmpty());
+}
+
+TEST_F(ImportWindowsButton, AnExcelThatTheUserClosesLeavesThePlanAsItIs) {
+  workbook().closed_at = "Sheet2.Cells(6, 8).Value";
+  ChooseRow(2);
+  OnWindows([this] { form().cmdImportWW.UserClick(); });
+  ASSERT_THAT(desktop_.messages, SizeIs(1));
+  EXPECT_TRUE(desktop_.messages[0].reports_error);
+  EXPECT_THAT(TaskIds(), ElementsAre("WEATHER", "A", "P1", "P2", "P3", "W1", "W1-END"));
+  EXPECT_THAT(recorder().Containing({"Close", "Quit"}), IsEmpty());
+}
+
+TEST_F(ImportWindowsButton, ADateThatIsMissingFailsWhenTheRowIsSaved) {
+  workbook().Sheet("FLOODS").cells.erase({6, 7});
+  ChooseRow(2);
+  OnWindows([this] { form().cmdImportWW.UserClick(); });
+  ASSERT_THAT(desktop_.messages, SizeIs(2));
+  EXPECT_EQ(desktop_.messages[0].text, "Import completed!");
+  EXPECT_TRUE(desktop_.messages[1].reports_error);
+}
+
+TEST_F(ImportWindowsButton, ExcelNoFileAndAMissingFileReloadTheCalendars) {
+  const auto expect_reload = [this] {
+    OnWindows([this] {
+      form().cmdImportWW.UserClick();
+      EXPECT_EQ(form().lstWWCals.ListIndex(), -1);
+      EXPECT_THAT(form().lstWWCals.Entries(), ElementsAre("RIVER ICE"));
+    });
+    NewForm();
+  };
+  excel_.installed = false;
+  expect_reload();
+  excel_.installed = true;
+  services_.exists = false;
+  expect_reload();
+  desktop_.file = "";
+  expect_reload();
+  EXPECT_THAT(desktop_.messages, SizeIs(3));  // that of Excel, and two of the file
 }
 
 // The choice of a sheet.

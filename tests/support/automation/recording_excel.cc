@@ -91,6 +91,7 @@ class Node final : public AutomationObject {
 
  protected:
   Variant DoGet(std::string_view member, std::span<const Variant> arguments) override {
+    RequireRunning();
     const Members& members = MembersOf(kind_);
     if (const std::string object = Known(members.objects, member); !object.empty()) {
       return Find(object, arguments);
@@ -117,6 +118,7 @@ class Node final : public AutomationObject {
     return Run(name);
   }
   std::vector<Ref<AutomationObject>> DoItems() override {
+    RequireRunning();
     if (kind_ != Kind::kSheets) {
       return AutomationObject::DoItems();
     }
@@ -128,7 +130,20 @@ class Node final : public AutomationObject {
   }
 
  private:
-  void Log(const std::string& step) { recorder_.Call(path_, step); }
+  void Log(const std::string& step) {
+    recorder_.Call(path_, step);
+    ExcelState& excel = *place_.excel;
+    excel.closed =
+        excel.closed || (!excel.closed_at.empty() &&
+                         (path_ + "." + step).find(excel.closed_at) != std::string::npos);
+    RequireRunning();
+  }
+  void RequireRunning() const {
+    constexpr std::int32_t kServerUnavailable = 462;
+    if (place_.excel->closed) {
+      throw RuntimeError(kServerUnavailable, "The remote server machine does not exist");
+    }
+  }
 
   Ref<AutomationObject> Make(Kind kind, const std::string& step, Place place = {}) const {
     place.excel = place_.excel;

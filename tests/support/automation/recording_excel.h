@@ -31,6 +31,10 @@ struct ExcelState {
   bool visible = false;
   int sheets_made = 0;
   int new_sheets = 3;  ///< of a new workbook
+  /// The user closes this Excel just before the step whose line contains this; empty: never. That
+  /// step and whatever else is asked of it from then on raise error 462.
+  std::string closed_at;
+  bool closed = false;
 
   /// Adds a sheet at the end, as if it came out of a file.
   SheetState& AddSheet(const std::string& name);
