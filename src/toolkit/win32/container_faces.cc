@@ -12,6 +12,9 @@ namespace {
 /// The edge of a frame, and what its caption needs beside itself, in pixels at 100%.
 constexpr int kFrameEdge = 3;
 constexpr int kBesideCaption = 10;
+/// What a tab has beside its caption, and above and below it.
+constexpr int kBesideTab = 7;
+constexpr int kAboveTab = 3;
 
 /// The frame is drawn around the pane of what is in it.
 class FrameFace final : public ContainerFace {
@@ -59,6 +62,7 @@ class TabStripFace final : public ContainerFace {
   TabStripFace(TabStrip& strip, FaceHost& host, const Pane& pane)
       : ContainerFace(strip, host), strip_(strip) {
     Make(WC_TABCONTROLW, WS_CLIPCHILDREN, WS_EX_CONTROLPARENT, pane.Window());
+    PadTabs();
     for (std::int32_t i = 0; i < strip.Tabs(); ++i) {
       std::wstring caption = CaptionToWide(strip.Page(i).Caption());
       TCITEMW item{};
@@ -69,6 +73,11 @@ class TabStripFace final : public ContainerFace {
       AddGroup(strip.Page(i), Window(), true);
       ::SetWindowTextW(groups().back().pane->Window(), ToWide(strip.Page(i).Caption()).c_str());
     }
+  }
+
+  void TakeLook() override {
+    PadTabs();
+    ContainerFace::TakeLook();
   }
 
   int NeededWidth() const override {
@@ -128,6 +137,10 @@ class TabStripFace final : public ContainerFace {
   }
 
  private:
+  void PadTabs() const {
+    ::SendMessageW(Window(), TCM_SETPADDING, 0,
+                   MAKELPARAM(look().Pixels(kBesideTab), look().Pixels(kAboveTab)));
+  }
   /// The strip around pages of this size.
   RECT Around(TwipsBands::Size page) const {
     RECT all{0, 0, page.width, page.height};

@@ -282,10 +282,11 @@ class TextBoxFace final : public EditFace {
 
   /// Windows writes at the top of a box: one that is higher than its text needs looks odd.
   void TakeBounds(const RECT& bounds) const override {
-    const int spare =
-        static_cast<int>(bounds.bottom - bounds.top) - NeededHeight(bounds.right - bounds.left);
+    const auto height = static_cast<int>(bounds.bottom - bounds.top);
+    const int wanted = std::min(height, NeededHeight(bounds.right - bounds.left));
     RECT inside = bounds;
-    ::InflateRect(&inside, 0, -std::max(spare, 0) / 2);
+    inside.top += (height - wanted) / 2;
+    inside.bottom = inside.top + wanted;
     EditFace::TakeBounds(inside);
   }
 
@@ -371,7 +372,7 @@ class ComboBoxFace final : public EditFace {
 
   bool OnKeyDown(WPARAM code, bool repeated) override {
     if (IsDropped()) {
-      return false;  // the list's own ways
+      return CloseByKey(code, repeated);
     }
     const bool pages = code == VK_PRIOR || code == VK_NEXT;
     return pages || EditFace::OnKeyDown(code, repeated);
@@ -379,6 +380,22 @@ class ComboBoxFace final : public EditFace {
 
  private:
   bool IsDropped() const { return ::SendMessageW(Window(), CB_GETDROPPEDSTATE, 0, 0) != 0; }
+
+  /// What closes the list; all other keys are the list's own affair. Windows closes it by these in
+  /// dialogs of its own alone.
+  bool CloseByKey(WPARAM code, bool repeated) {
+    if (code != VK_RETURN && code != VK_ESCAPE && code != VK_TAB) {
+      return false;
+    }
+    const LRESULT marked = ::SendMessageW(Window(), CB_GETCURSEL, 0, 0);
+    ::SendMessageW(Window(), CB_SHOWDROPDOWN, FALSE, 0);
+    picked_ = code == VK_RETURN ? static_cast<std::int32_t>(marked) : -1;
+    if (code == VK_TAB) {
+      OnClosed();
+      EditFace::OnKeyDown(code, repeated);
+    }
+    return true;
+  }
 
   /// Between two drops of the list Windows' own index means nothing.
   void TakeIndex() {

@@ -106,6 +106,13 @@ class ListViewFace final : public ItemFace {
            (HasColumns() ? SystemMetric(SM_CXVSCROLL, look().dpi()) : 0);
   }
 
+  void TakeLook() override {
+    ItemFace::TakeLook();
+    // Windows makes the pictures of check boxes once, for the resolution of that moment.
+    Ask(LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_CHECKBOXES, 0);
+    PaintStyle();
+  }
+
   std::optional<LRESULT> OnNotify(NMHDR& header) override {
     switch (header.code) {
       case LVN_GETDISPINFOW:
