@@ -83,8 +83,10 @@ HRESULT RegisterServer(const ServerEntry& server, Scope scope) {
     writer.Write(key, L"", entry.description);
     writer.Write(key + L"\\ProgID", L"", entry.identifier);
     writer.Write(key + L"\\Programmable", L"", L"");
-    writer.Write(key + L"\\TypeLib", L"", TextOf(server.library));
-    writer.Write(key + L"\\Version", L"", VersionOf(server));
+    if (server.library != GUID{}) {
+      writer.Write(key + L"\\TypeLib", L"", TextOf(server.library));
+      writer.Write(key + L"\\Version", L"", VersionOf(server));
+    }
     if (server.in_process) {
       writer.Write(key + L"\\InprocServer32", L"", server.path);
       writer.Write(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
@@ -92,7 +94,8 @@ HRESULT RegisterServer(const ServerEntry& server, Scope scope) {
       writer.Write(key + L"\\LocalServer32", L"", L"\"" + server.path + L"\"");
     }
   }
-  return FAILED(writer.result()) ? writer.result() : RegisterLibrary(server, scope);
+  return FAILED(writer.result()) || server.library == GUID{} ? writer.result()
+                                                             : RegisterLibrary(server, scope);
 }
 
 HRESULT UnregisterServer(const ServerEntry& server, Scope scope) {
@@ -105,6 +108,9 @@ HRESULT UnregisterServer(const ServerEntry& server, Scope scope) {
   for (const ClassEntry& entry : server.classes) {
     note(RemoveKey(scope, L"CLSID\\" + TextOf(entry.id)));
     note(RemoveKey(scope, entry.identifier));
+  }
+  if (server.library == GUID{}) {
+    return result;
   }
   note(RemoveKey(scope, L"TypeLib\\" + TextOf(server.library) + L"\\" + VersionOf(server)));
   // The library's own key goes with its last version.

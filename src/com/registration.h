@@ -19,7 +19,7 @@ struct ClassEntry {
 struct ServerEntry {
   std::wstring path;  ///< of the file, which has the type library as its first resource
   bool in_process = true;
-  GUID library = {};
+  GUID library = {};  ///< all zeros: it has none
   WORD library_major = 1;
   WORD library_minor = 0;
   std::vector<ClassEntry> classes;

@@ -1,0 +1,132 @@
+#include "tests/com/excel/served_automation.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "com/com_error.h"
+#include "com/com_variant.h"
+#include "platform/text.h"
+#include "platform/win/wide_text.h"
+
+namespace nimbrel::com {
+namespace {
+
+using platform::AutomationObject;
+using platform::Object;
+using platform::Ref;
+using platform::RuntimeError;
+using platform::Variant;
+
+/// Opens what derived classes implement.
+struct Opened : AutomationObject {
+  using AutomationObject::DoCall;
+  using AutomationObject::DoGet;
+  using AutomationObject::DoPut;
+};
+
+/// All names that were ever asked for; a member's number is its place, from 1.
+std::vector<std::string> g_names;
+
+DISPID NumberOf(const std::string& name) {
+  const auto found = std::find_if(g_names.begin(), g_names.end(), [&](const std::string& other) {
+    return platform::EqualsIgnoreCase(other, name);
+  });
+  const auto place = found - g_names.begin();
+  if (found == g_names.end()) {
+    g_names.push_back(name);
+  }
+  return static_cast<DISPID>(place + 1);
+}
+
+class ServedAutomation final : public ComObject<IDispatch> {
+ public:
+  explicit ServedAutomation(Ref<AutomationObject> object) : object_(std::move(object)) {}
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    *count = 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/,
+                                        ITypeInfo** info) override {
+    *info = nullptr;
+    return DISP_E_BADINDEX;
+  }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*id*/, LPOLESTR* names, UINT count,
+                                          LCID /*locale*/, DISPID* ids) override {
+    std::fill_n(ids, count, DISPID_UNKNOWN);
+    ids[0] = NumberOf(platform::ToUtf8(names[0]));
+    return count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID /*interface_id*/, LCID /*locale*/, WORD flags,
+                                   DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                                   UINT* /*wrong*/) override {
+    if (id < 1 || id > std::ssize(g_names)) {
+      return DISP_E_MEMBERNOTFOUND;
+    }
+    return Guarded(
+        [&] {
+          ComVariant given = Answer(g_names[static_cast<std::size_t>(id - 1)], flags, *parameters);
+          if (result != nullptr) {
+            *result = given.Detach();
+          }
+        },
+        [exception](const RuntimeError& error) { return FillException(error, exception); });
+  }
+
+ private:
+  void* Find(REFIID id) override {
+    return id == IID_IUnknown || id == IID_IDispatch ? this : nullptr;
+  }
+
+  ComVariant Answer(const std::string& member, WORD flags, const DISPPARAMS& parameters) {
+    std::vector<Variant> arguments;
+    for (UINT i = parameters.cArgs; i > 0; --i) {
+      arguments.push_back(FromComVariant(parameters.rgvarg[i - 1], [](IDispatch*) -> Ref<Object> {
+        throw RuntimeError(platform::kTypeMismatch, "Type mismatch: an object");
+      }));
+    }
+    if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
+      const Variant value = arguments.back();
+      arguments.pop_back();
+      PutTo(*object_, member, value, arguments);
+      return {};
+    }
+    if ((flags & DISPATCH_PROPERTYGET) != 0) {
+      return ToCaller(GetFrom(*object_, member, arguments));
+    }
+    return ToCaller(CallOn(*object_, member, arguments));
+  }
+
+  static ComVariant ToCaller(const Variant& value) {
+    return ToComVariant(value, [](const Ref<Object>& object) {
+      return ServeAutomation(platform::ToAutomationObject(object));
+    });
+  }
+
+  Ref<AutomationObject> object_;
+};
+
+}  // namespace
+
+ComPtr<IDispatch> ServeAutomation(const Ref<AutomationObject>& object) {
+  return ComPtr<IDispatch>::Adopt(new ServedAutomation(object));
+}
+
+Variant GetFrom(AutomationObject& object, std::string_view member,
+                std::span<const Variant> arguments) {
+  return (object.*(&Opened::DoGet))(member, arguments);
+}
+
+Variant CallOn(AutomationObject& object, std::string_view member,
+               std::span<const Variant> arguments) {
+  return (object.*(&Opened::DoCall))(member, arguments);
+}
+
+void PutTo(AutomationObject& object, std::string_view member, const Variant& value,
+           std::span<const Variant> arguments) {
+  (object.*(&Opened::DoPut))(member, value, arguments);
+}
+
+}  // namespace nimbrel::com

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "com/com_object.h"
+#include "platform/automation.h"
+
+namespace nimbrel::com {
+
+/// Offers an automation object of this program to others, who call its members by name.
+ComPtr<IDispatch> ServeAutomation(const platform::Ref<platform::AutomationObject>& object);
+
+/// As Get and Call, with as many arguments as there are.
+platform::Variant GetFrom(platform::AutomationObject& object, std::string_view member,
+                          std::span<const platform::Variant> arguments);
+platform::Variant CallOn(platform::AutomationObject& object, std::string_view member,
+                         std::span<const platform::Variant> arguments);
+void PutTo(platform::AutomationObject& object, std::string_view member,
+           const platform::Variant& value, std::span<const platform::Variant> arguments);
+
+}  // namespace nimbrel::com
