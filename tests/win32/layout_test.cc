@@ -175,11 +175,14 @@ TEST_F(LayoutTest, AFormThatIsTooLargeForTheScreenScrolls) {
   });
 }
 
-TEST_F(LayoutTest, ATextBoxStandsInTheMiddleOfItsPlace) {
-  TextBox box(form_, "txtName", {120, 120, 3000, 900});
+TEST_F(LayoutTest, ATextBoxIsAsHighAsItsTextAndStandsInTheMiddleOfItsPlace) {
+  TextBox box(form_, "txtName", {120, 120, 2000, 900});
+  Label label(form_, "Label1", "One\r\ntwo\r\nthree", {2500, 120, 2000, 900});
   InWindow([&] {
-    const int height = HeightOf(BoundsOf(Drawn(box)));
-    EXPECT_EQ(height, window().look().line() + Scaled(8));
+    const RECT inside = BoundsOf(Drawn(box));
+    const RECT place = BoundsOf(Drawn(label));
+    EXPECT_LT(HeightOf(inside), 2 * window().look().line());
+    EXPECT_NEAR(inside.top - place.top, place.bottom - inside.bottom, 1);
   });
 }
 

@@ -12,8 +12,10 @@
 namespace nimbrel::toolkit::win32 {
 namespace {
 
-/// The edge of a box with the air in it, in pixels at 100%; twice.
-constexpr int kEdges = 8;
+/// What a box has beside its text within its edge, and above and below it together, in pixels at
+/// 100%.
+constexpr int kBesideText = 4;
+constexpr int kAroundText = 3;
 /// Entries of a list that drops down, at the most.
 constexpr int kEntriesInView = 16;
 /// The least width of a box, in characters.
@@ -147,9 +149,11 @@ class EditFace : public ControlFace {
  public:
   HWND FocusWindow() const override { return link_.line(); }
   int NeededWidth() const override {
-    return kLeastCharacters * look().character() + look().Pixels(kEdges);
+    return kLeastCharacters * look().character() + 2 * look().Pixels(kBesideText);
   }
-  int NeededHeight(int /*width*/) const override { return look().line() + look().Pixels(kEdges); }
+  int NeededHeight(int /*width*/) const override {
+    return look().line() + look().Pixels(kAroundText) + 2 * SystemMetric(SM_CYEDGE, look().dpi());
+  }
 
  protected:
   EditFace(EditControl& box, FaceHost& host) : ControlFace(box, host), box_(box), link_(box) {}
