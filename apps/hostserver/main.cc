@@ -51,6 +51,7 @@ class Trial final : public platform::Object {
   void RunAnalysis(std::int32_t iterations, double seed) { host_->RunAnalysis(iterations, seed); }
   std::int32_t get_ObjectsHeld() { return served::ObjectsHeld(); }
   void Quit() { EndProgram(); }
+  platform::Date get_MeanFinish() { return host_->mean_finish(); }
 
  private:
   Ref<TrialHost> host_;
@@ -65,6 +66,7 @@ constexpr std::array kTrialMembers = {
     served::Method<&Trial::RunAnalysis>("RunAnalysis"),
     served::Get<&Trial::get_ObjectsHeld>("ObjectsHeld"),
     served::Method<&Trial::Quit>("Quit"),
+    served::Get<&Trial::get_MeanFinish>("MeanFinish"),
 };
 constexpr served::ClassTable kTrialTable = {"TrialHost", kTrialMembers, nullptr};
 

@@ -109,6 +109,7 @@ void TrialHost::RunAnalysis(std::int32_t iterations, double seed) {
   const auto number = static_cast<std::uint64_t>(seed);
   engine::RunStream stream(number);
   const Run run(*host_, stream);
+  double finishes = 0;
   try {
     host_->RaisePlanBeforeRiskAnalysis();
     engine::Sampler sampler(host_->document(), {.seed = number});
@@ -120,12 +121,25 @@ void TrialHost::RunAnalysis(std::int32_t iterations, double seed) {
       host_->RaisePlanBeforeRiskIteration(iteration);
       host_->ScheduleIteration();
       host_->RaisePlanAfterRiskIteration(iteration);
+      finishes += LastFinish();
       host_->EndIteration();
     }
+    mean_finish_ = {iterations > 0 ? finishes / iterations : 0.0};
     host_->RaisePlanAfterRiskAnalysis();
   } catch (const engine::SchedulingError& error) {
     throw RuntimeError(platform::kApplicationDefined, error.what());
   }
+}
+
+double TrialHost::LastFinish() {
+  double last = 0;
+  const auto tasks = host_->get_ActivePlan()->get_Tasks();
+  for (const engine::Task& task : host_->document().tasks()) {
+    if (host_->Participates(task) && task.kind == engine::TaskKind::kTask) {
+      last = std::max(last, tasks->Item(task.id)->get_Dates()->get_Finish().serial);
+    }
+  }
+  return last;
 }
 
 }  // namespace nimbrel::hostserver

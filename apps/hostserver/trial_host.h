@@ -33,11 +33,18 @@ class TrialHost final : public platform::Object {
   /// whatever a receiver of the events lets out.
   void RunAnalysis(std::int32_t iterations, double seed);
 
+  /// The mean of the plan's finish over the iterations of the last run; date zero before one.
+  platform::Date mean_finish() const { return mean_finish_; }
+
   const platform::Ref<engine::Host>& host() const { return host_; }
 
  private:
+  /// The finish of the plan's last task, as it is scheduled now.
+  double LastFinish();
+
   platform::Ref<engine::Host> host_;
   engine::Plan plan_;
+  platform::Date mean_finish_;
 };
 
 }  // namespace nimbrel::hostserver

@@ -13,13 +13,21 @@ std::wstring ProgramBeside(const std::wstring& name) {
   return own.substr(0, own.rfind(L'\\') + 1) + name;
 }
 
-DWORD RunAndWait(const std::wstring& command) {
+namespace {
+
+/// `output` null: the program has this one's.
+DWORD Run(const std::wstring& command, HANDLE output) {
   std::wstring line = command;
   STARTUPINFOW start = {};
   start.cb = sizeof(start);
+  if (output != nullptr) {
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdOutput = output;
+    start.hStdError = output;
+  }
   PROCESS_INFORMATION process = {};
-  if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                     &process) == FALSE) {
+  if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, output != nullptr, 0, nullptr, nullptr,
+                     &start, &process) == FALSE) {
     throw std::runtime_error("a program cannot be started");
   }
   WaitForSingleObject(process.hProcess, INFINITE);
@@ -28,6 +36,26 @@ DWORD RunAndWait(const std::wstring& command) {
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
   return code;
+}
+
+}  // namespace
+
+DWORD RunAndWait(const std::wstring& command) {
+  return Run(command, nullptr);
+}
+
+std::string OutputOf(const std::wstring& command) {
+  SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
+  const std::wstring path = ProgramBeside(L"output.txt");
+  const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
+                                  &inherited, CREATE_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  Run(command, file);
+  std::string text(GetFileSize(file, nullptr), '\0');
+  SetFilePointer(file, 0, nullptr, FILE_BEGIN);
+  DWORD read = 0;
+  ReadFile(file, text.data(), static_cast<DWORD>(text.size()), &read, nullptr);
+  CloseHandle(file);
+  return text;
 }
 
 std::pair<std::int32_t, std::string> ErrorOf(const std::function<void()>& call) {

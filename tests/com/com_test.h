@@ -18,6 +18,8 @@ using platform::AutomationObject;
 std::wstring ProgramBeside(const std::wstring& name);
 /// Runs a program and waits for its end. Gives its exit code.
 DWORD RunAndWait(const std::wstring& command);
+/// Runs a program and gives what it has written.
+std::string OutputOf(const std::wstring& command);
 
 /// The number and the text of the run-time error that a call raises; {0, ""} if it raises none.
 std::pair<std::int32_t, std::string> ErrorOf(const std::function<void()>& call);

@@ -244,6 +244,13 @@ TEST_F(ComponentTest, LeavesAnErrorObjectForCallersByPosition) {
   RegisterTrialHost();
 }
 
+TEST_F(ComponentTest, TheExampleRuns) {
+  const std::string output =
+      OutputOf(L"cscript //nologo \"Z:" + platform::ToWide(NIMBREL_SOURCE_DIR) +
+               L"/examples/windows/weather_run.vbs\"");
+  EXPECT_EQ(output, "Weather moves the finish.\r\nStopped, it moves nothing.\r\n");
+}
+
 TEST_F(ComponentTest, HasItsOperationsInTheirOrder) {
   const auto names_of = [](const std::string& identifier) {
     const ComPtr<IDispatch> object = CreateByIdentifier(identifier);
