@@ -5,6 +5,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <thread>
 
 #include "com/com_error.h"
 #include "com/registration.h"
@@ -49,6 +50,16 @@ std::wstring ClassOf(const wchar_t* identifier) {
                         &size) == ERROR_SUCCESS
              ? id
              : L"";
+}
+
+/// A window of this title, once there is one that is shown.
+HWND WaitForWindow(const wchar_t* title) {
+  HWND window = nullptr;
+  while (window == nullptr || !IsWindowVisible(window)) {
+    Sleep(20);
+    window = FindWindowW(nullptr, title);
+  }
+  return window;
 }
 
 /// The registered component and the stand-in host.
@@ -242,6 +253,39 @@ TEST_F(ComponentTest, LeavesAnErrorObjectForCallersByPosition) {
   EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDispatch), S_FALSE);
   info->ReleaseTypeAttr(attributes);
   RegisterTrialHost();
+}
+
+TEST_F(ComponentTest, MainWithoutAPlanTellsTheUserSo) {
+  program_.control().Call("ClosePlan");
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  std::wstring text(100, L'\0');
+  for (int call = 0; call < 2; ++call) {
+    std::thread user([&text] {
+      const HWND box = WaitForWindow(L"Weather Modeling");
+      constexpr int kText = 0xFFFF;
+      text.resize(static_cast<std::size_t>(
+          GetDlgItemTextW(box, kText, text.data(), static_cast<int>(text.size()))));
+      PostMessageW(box, WM_COMMAND, IDOK, 0);
+    });
+    nimbrel_->Call("Main");
+    user.join();
+    EXPECT_EQ(platform::ToUtf8(text), "There is no active plan.");
+    text.resize(100);
+  }
+}
+
+TEST_F(ComponentTest, MainShowsTheDialogUntilItIsClosed) {
+  OpenTrialPlan();
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  bool was_shown = false;
+  std::thread user([&was_shown] {
+    const HWND window = WaitForWindow(L"Weather Modeling");
+    was_shown = IsWindowVisible(window) != FALSE;
+    PostMessageW(window, WM_CLOSE, 0, 0);
+  });
+  nimbrel_->Call("Main");
+  user.join();
+  EXPECT_TRUE(was_shown);
 }
 
 TEST_F(ComponentTest, TheExampleRuns) {
