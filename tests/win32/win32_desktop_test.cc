@@ -38,6 +38,20 @@ void CALLBACK DoNext(HWND /*window*/, UINT /*message*/, UINT_PTR timer, DWORD /*
   action();
 }
 
+struct Search {
+  const std::wstring& text;
+  HWND found;
+};
+
+/// Goes on until a window of the text is found.
+BOOL CALLBACK Compare(HWND window, LPARAM search) {
+  auto& wanted = *reinterpret_cast<Search*>(search);
+  if (TextOf(window) == wanted.text) {
+    wanted.found = window;
+  }
+  return wanted.found == nullptr ? TRUE : FALSE;
+}
+
 class Win32DesktopTest : public ::testing::Test {
  protected:
   Win32DesktopTest() : timer_(::SetTimer(nullptr, 0, kPause, DoNext)) {}
@@ -53,20 +67,8 @@ class Win32DesktopTest : public ::testing::Test {
   static std::wstring TitleOfTop() { return TextOf(Top()); }
   /// The window inside another one that has this text.
   static HWND Inside(HWND window, const std::wstring& text) {
-    struct Search {
-      const std::wstring& text;
-      HWND found;
-    } search{text, nullptr};
-    ::EnumChildWindows(
-        window,
-        [](HWND child, LPARAM l) -> BOOL {
-          auto& wanted = *reinterpret_cast<Search*>(l);
-          if (TextOf(child) == wanted.text) {
-            wanted.found = child;
-          }
-          return wanted.found == nullptr ? TRUE : FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
+    Search search{text, nullptr};
+    ::EnumChildWindows(window, Compare, reinterpret_cast<LPARAM>(&search));
     return search.found;
   }
   static void Click(const std::wstring& caption) {

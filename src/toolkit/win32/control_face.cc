@@ -43,8 +43,7 @@ ControlFace* FaceOf(HWND window) {
 }
 
 ControlFace::~ControlFace() {
-  // A window that outlives its face goes on as it was made.
-  if (::IsWindow(window_) != 0) {
+  if (window_ != nullptr) {
     ::DestroyWindow(window_);
   }
 }
@@ -68,6 +67,9 @@ LRESULT CALLBACK ControlFace::Procedure(HWND window, UINT message, WPARAM w, LPA
   ControlFace* const face = FaceOf(window);
   if (message == WM_NCDESTROY) {
     const WNDPROC own = ProcedureOf(window);
+    if (window == face->window_) {
+      face->window_ = nullptr;
+    }
     ::RemovePropW(window, kFace);
     ::RemovePropW(window, kProcedure);
     return ::CallWindowProcW(own, window, message, w, l);

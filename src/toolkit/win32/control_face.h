@@ -57,8 +57,6 @@ class ControlFace : public Placed {
 
   /// Makes the window that has the control's place.
   void Make(const wchar_t* window_class, DWORD style, DWORD ex_style, HWND pane);
-  /// Takes one that there is for it.
-  void Take(HWND window) { window_ = window; }
   /// Has the messages of a window of this face go through it first.
   void Watch(HWND window);
   /// The part of Refresh that depends on the kind of control.

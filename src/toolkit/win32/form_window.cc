@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "toolkit/accessible_name.h"
-#include "toolkit/win32/accessible.h"
 #include "toolkit/win32/common_controls.h"
 #include "toolkit/win32/faces.h"
 #include "toolkit/win32/win32_text.h"
@@ -114,6 +113,7 @@ FormWindow::~FormWindow() {
     // Before the window goes: else Windows would make some other one active.
     ::EnableWindow(owner_, TRUE);
   }
+  names_.Clear();
   ::SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
   ::DestroyWindow(window_);
   faces_.clear();
@@ -145,7 +145,7 @@ bool FormWindow::AddFace(Control& control, const Pane& pane, TwipsBands& bands) 
   std::unique_ptr<ControlFace> made = MakeFace(control, *this, pane);
   ControlFace& face = *made;
   faces_.emplace(&control, Entry{std::move(made), Changes::All()});
-  NameForReaders(face.FocusWindow(), ToWide(AccessibleNameOf(control)));
+  names_.Name(face.FocusWindow(), ToWide(AccessibleNameOf(control)));
   if (auto* const around = dynamic_cast<ContainerFace*>(&face); around != nullptr) {
     bool stretches = false;
     for (ContainerFace::Group& group : around->groups()) {
@@ -478,9 +478,14 @@ std::optional<LRESULT> FormWindow::Handle(UINT message, WPARAM w, LPARAM l) {
     case WM_DPICHANGED:
       OnNewScale(HIWORD(w), *reinterpret_cast<const RECT*>(l));
       return 0;
+    case WM_SYSCOLORCHANGE:
+      for (const auto& [control, entry] : faces_) {
+        ::SendMessageW(entry.face->Window(), message, w, l);  // else only the form hears of it
+      }
+      OnNewStyle();
+      return std::nullopt;
     case WM_SETTINGCHANGE:
     case WM_THEMECHANGED:
-    case WM_SYSCOLORCHANGE:
       OnNewStyle();
       return std::nullopt;
     case WM_ERASEBKGND:

@@ -13,6 +13,7 @@
 #include "toolkit/twips_bands.h"
 #include "toolkit/win32/control_face.h"
 #include "toolkit/win32/pane.h"
+#include "toolkit/win32/reader_names.h"
 
 namespace nimbrel::toolkit::win32 {
 
@@ -105,6 +106,7 @@ class FormWindow final : private FormObserver, private FaceHost {
   HWND window_ = nullptr;
   std::unique_ptr<Look> look_;
   Grounds grounds_;
+  ReaderNames names_;
   std::unique_ptr<Pane> content_;
   TwipsBands bands_;
   std::unordered_map<const Control*, Entry> faces_;

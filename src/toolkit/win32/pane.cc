@@ -36,7 +36,7 @@ Pane::Pane(FaceHost& host, HWND parent, bool on_page)
 }
 
 Pane::~Pane() {
-  if (::IsWindow(window_) != 0) {
+  if (window_ != nullptr) {
     ::SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
   }
 }
@@ -44,6 +44,10 @@ Pane::~Pane() {
 LRESULT CALLBACK Pane::Procedure(HWND window, UINT message, WPARAM w, LPARAM l) {
   auto* const pane = reinterpret_cast<Pane*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
   if (pane == nullptr) {
+    return ::DefWindowProcW(window, message, w, l);
+  }
+  if (message == WM_NCDESTROY) {
+    pane->window_ = nullptr;
     return ::DefWindowProcW(window, message, w, l);
   }
   try {
