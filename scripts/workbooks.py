@@ -1,13 +1,17 @@
 #!/usr/bin/python3
-"""The parts of scripts/check-workbooks that need a look into files.
+"""The parts of scripts/check-workbooks and scripts/check-hostile-workbooks that need a look into files.
 
 odd FILE.json TEXT...    the weather of a file with texts and numbers that are hard to carry, the given
                          texts among them, without assignments
+many SHEETS ROWS         the weather of so many calendars of so many periods or windows
 same A.json B.json NAME  whether two files have the same calendars
 save IN.xlsx OUT.xlsx    opens and saves a workbook
 make FILE.json OUT.xlsx  makes a workbook of weather data without one to begin with
+around IN.xlsx OUT.xlsx  the same workbook, with a blank in a cell to the right of the data and below, so
+                         that what stands around them gets onto a printed page
 look FILE.xlsx           whether the sheets of an export look as they should
 """
+import copy
 import datetime
 import json
 import sys
@@ -36,6 +40,27 @@ def odd(path, *more):
         {"description": "w" + text, "start": ["2026-12-01", "2026-12-10", "2027-01-05"],
          "finish": ["2027-02-20", "2027-02-20", "2029-03-25"]} for text in texts]})
     print(json.dumps(weather))
+
+
+def many(sheets, rows):
+    sheets, rows = int(sheets), int(rows)
+
+    def days(row, *after):
+        first = datetime.date(2027, 1, 1) + datetime.timedelta(7 * row)
+        return [str(first + datetime.timedelta(days)) for days in after]
+
+    events = sheets * 4 // 5
+    print(json.dumps({
+        "events": [{"calendar": f"Site {sheet} wind", "periods": [
+            {"description": f"Heavy rain and gales, week {row}", "start": days(row, 0)[0],
+             "finish": days(row, 6)[0], "probability": round(row % 97 / 97, 3), "min": row % 3,
+             "likely": row % 3 + 1, "max": row % 3 + 3} for row in range(rows)]}
+            for sheet in range(events)],
+        "windows": [{"calendar": f"River {sheet} ice", "windows": [
+            {"description": f"Winter {row} on the river", "start": days(row, 0, 5, 9),
+             "finish": days(row, 14, 18, 22)} for row in range(rows)]}
+            for sheet in range(events, sheets)],
+        "assign": []}))
 
 
 def differences(old, new, where=""):
@@ -87,6 +112,15 @@ def make(source, target):
         for row, one in enumerate(calendar["windows"], start=6):
             put(sheet, row, [one["description"], *map(day, one["start"]), None,
                              *map(day, one["finish"])])
+    workbook.save(target)
+
+
+def around(source, target):
+    workbook = openpyxl.load_workbook(source)
+    for sheet in workbook:
+        last = 8 if sheet["A3"].value == "Weather-Events" else 9
+        corner = sheet.cell(sheet.max_row + 3, last + 2, " ")
+        corner.fill = copy.copy(sheet["A1"].fill)
     workbook.save(target)
 
 
@@ -154,5 +188,6 @@ def look(path):
         sys.exit("\n".join(wrong))
 
 
-COMMANDS = {"odd": odd, "same": same, "save": save, "make": make, "look": look}
+COMMANDS = {"odd": odd, "many": many, "same": same, "save": save, "make": make, "around": around,
+            "look": look}
 COMMANDS[sys.argv[1]](*sys.argv[2:])

@@ -184,7 +184,7 @@ bool ReadMutations(const Options& options) {
   for (const std::string& file : options.files) {
     workbooks.emplace_back(ReadBytes(file));
     constexpr std::size_t kLarge = 100'000;
-    turns.insert(turns.end(), workbooks.back().size() > kLarge ? 1 : 16, workbooks.size() - 1);
+    turns.insert(turns.end(), workbooks.back().size() > kLarge ? 2 : 16, workbooks.size() - 1);
   }
   Account account(options);
   const std::uint64_t first = options.only > 0 ? options.only : 1;

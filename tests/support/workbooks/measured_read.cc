@@ -19,7 +19,11 @@
 #include "spreadsheet/workbook_reader.h"
 
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+// Of the sanitizer's own header, which not every compiler comes with.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*on_allocated)(const volatile void*,
+                                                                              std::size_t),
+                                                         void (*on_freed)(const volatile void*));
+extern "C" std::size_t __sanitizer_get_allocated_size(const volatile void*);
 #endif
 
 namespace nimbrel::spreadsheet {
@@ -64,7 +68,7 @@ void OnAllocated(const volatile void* /*place*/, std::size_t size) {
   most_held = std::max(most_held.load(), now);
 }
 void OnFreed(const volatile void* place) {
-  held -= static_cast<std::int64_t>(__sanitizer_get_allocated_size(const_cast<const void*>(place)));
+  held -= static_cast<std::int64_t>(__sanitizer_get_allocated_size(place));
 }
 
 void BeginCounting() {
