@@ -159,56 +159,47 @@ TEST_F(Progress, NothingRemainsOfATaskWhoseExpectedFinishHasPassed) {
   EXPECT_THAT(scheduled.Breaches(), IsEmpty());
 }
 
-TEST_F(Progress, WhatHoldsATaskFinishedOutOfSequenceHoldsWhatComesAfterIt) {
-  small.Add("A", 3);  // to Wednesday the 10th
+TEST_F(Progress, AFinishedTaskDrivesNothingWhateverHasStillToComeBeforeIt) {
+  AddStarted("A", 3);  // to Wednesday the 10th
   AddFinished("B");
   small.Add("C", 1);
   small.Join("A", "B");
-  small.Join("B", "C", LinkType::kFinishToStart, 5);  // B is finished: its lag has run
-  const Scheduled scheduled(small);
-  EXPECT_EQ(scheduled.Early("C"), "2027-03-11T08:00 to 2027-03-11T17:00");
-  EXPECT_EQ(scheduled.Early("B"), "2027-03-01T08:00 to 2027-03-03T17:00");
-  EXPECT_EQ(scheduled.TotalFloatDays("A"), 0);
-  EXPECT_EQ(scheduled.scheduler.finish(), (Instant{kMonday + 10, 1020}));
-  EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+  small.Join("B", "C", LinkType::kFinishToStart, 5);  // would take Wednesday the 3rd to the 10th
+  for (const LinkType type : {LinkType::kFinishToStart, LinkType::kFinishToFinish}) {
+    small.plan.links.front().type = type;
+    for (const ProgressRule rule : {ProgressRule::kRetainedLogic, ProgressRule::kProgressOverride,
+                                    ProgressRule::kActualDates}) {
+      small.plan.schedule.progress = rule;
+      const Scheduled scheduled(small);
+      EXPECT_EQ(scheduled.Early("A"), "2027-03-08T08:00 to 2027-03-10T17:00");
+      EXPECT_EQ(scheduled.Early("B"), "2027-03-01T08:00 to 2027-03-03T17:00");
+      EXPECT_EQ(scheduled.Early("C"), "2027-03-08T08:00 to 2027-03-08T17:00");
+      EXPECT_EQ(scheduled.TotalFloatDays("C"), 2);
+      EXPECT_EQ(scheduled.scheduler.finish(), (Instant{kMonday + 9, 1020}));
+      EXPECT_THAT(scheduled.Breaches(), IsEmpty());
+    }
+  }
 }
 
-TEST_F(Progress, FloatGoesBackThroughTasksFinishedOutOfSequence) {
+TEST_F(Progress, LateDatesDoNotGoBackThroughFinishedTasks) {
   small.Add("A", 1);
   AddFinished("B1");
   AddFinished("B2");
-  small.Add("C", 1);
+  small.Add("C", 1).constraint = {engine::ConstraintType::kFinishNoLater, {kMonday + 8, 1020}};
   small.Add("D", 5);  // to Friday the 12th
   small.Join("A", "B1", LinkType::kFinishToStart, 1);
   small.Join("B1", "B2", LinkType::kStartToStart, 8);
   small.Join("B2", "C");
   const Scheduled scheduled(small);
-  EXPECT_EQ(scheduled.Early("C"), "2027-03-10T08:00 to 2027-03-10T17:00");
-  EXPECT_EQ(scheduled.Late("C"), "2027-03-12T08:00 to 2027-03-12T17:00");
-  // C may start on Friday, and the lag takes Thursday.
-  EXPECT_EQ(scheduled.Late("A"), "2027-03-10T08:00 to 2027-03-10T17:00");
+  EXPECT_EQ(scheduled.Early("C"), "2027-03-08T08:00 to 2027-03-08T17:00");
+  EXPECT_EQ(scheduled.Late("C"), "2027-03-09T08:00 to 2027-03-09T17:00");
+  EXPECT_EQ(scheduled.Late("A"), "2027-03-12T08:00 to 2027-03-12T17:00");
+  EXPECT_EQ(scheduled.TotalFloatDays("A"), 4);
   EXPECT_EQ(scheduled.Late("B1"), " to ");
   EXPECT_THAT(scheduled.Breaches(), IsEmpty());
 }
 
-TEST_F(Progress, AFinishedTaskPassesNothingOnWhereItsLogicIsKeptOrOverridden) {
-  AddStarted("A", 3);
-  AddFinished("B");
-  small.Add("C", 1);
-  small.Join("A", "B", LinkType::kStartToStart, 2);  // A has started: nothing is left to wait for
-  small.Join("B", "C");
-  EXPECT_EQ(Scheduled(small).Early("C"), "2027-03-08T08:00 to 2027-03-08T17:00");
-  small.plan.links.front().type = LinkType::kFinishToFinish;
-  EXPECT_EQ(Scheduled(small).Early("C"), "2027-03-15T08:00 to 2027-03-15T17:00");
-  for (const ProgressRule rule : {ProgressRule::kProgressOverride, ProgressRule::kActualDates}) {
-    small.plan.schedule.progress = rule;
-    const Scheduled scheduled(small);
-    EXPECT_EQ(scheduled.Early("C"), "2027-03-08T08:00 to 2027-03-08T17:00");
-    EXPECT_THAT(scheduled.Breaches(), IsEmpty());
-  }
-}
-
-TEST_F(Progress, ADrivingPathGoesThroughTasksFinishedOutOfSequence) {
+TEST_F(Progress, ADrivingPathBeginsBehindFinishedTasks) {
   small.Add("A", 3);
   AddFinished("B");
   small.Add("C", 1);
@@ -216,17 +207,16 @@ TEST_F(Progress, ADrivingPathGoesThroughTasksFinishedOutOfSequence) {
   small.Join("B", "C");
   const Scheduled scheduled(small);
   const TaskIndex a = scheduled.At("A");
-  const TaskIndex b = scheduled.At("B");
   const TaskIndex c = scheduled.At("C");
-  EXPECT_THAT(scheduled.scheduler.DrivingPredecessors(c), ElementsAre(b));
+  EXPECT_THAT(scheduled.scheduler.DrivingPredecessors(c), IsEmpty());
   std::vector<std::uint32_t> on_path(3, 0);
   scheduled.scheduler.CountDriving(on_path);
-  EXPECT_THAT(on_path, ElementsAre(1, 0, 1));
+  EXPECT_THAT(on_path, ElementsAre(1, 0, 0));
   std::vector<TaskIndex> path;
   engine::ScheduleTelling telling;
   telling.DrivingPath(scheduled.scheduler, -1, path);
-  EXPECT_THAT(path, ElementsAre(c, a));
-  EXPECT_THAT(telling.OneDrivingPath(scheduled.scheduler, c), ElementsAre(a, c));
+  EXPECT_THAT(path, ElementsAre(a));
+  EXPECT_THAT(telling.OneDrivingPath(scheduled.scheduler, c), ElementsAre(c));
 }
 
 TEST_F(Progress, WhatAnExpectedFinishSetIsKeptWhereALinkHoldsTheFinishBehindIt) {

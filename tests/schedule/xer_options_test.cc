@@ -147,7 +147,7 @@ TEST(XerOptions, ACompletePredecessorDrivesNothingPastTheDataDate) {
   EXPECT_EQ(Schedule(text).Early("B"), "2027-03-01T08:00 to 2027-03-01T17:00");
 }
 
-TEST(XerOptions, AnUpdateWithWorkDoneOutOfSequenceHasTheDatesOfItsLogic) {
+TEST(XerOptions, AnUpdateWithWorkDoneOutOfSequenceLetsWhatComesAfterItGoAhead) {
   const Fields done = {{"status_code", "TK_Complete"},
                        {"act_start_date", "2027-02-22 08:00"},
                        {"act_end_date", "2027-02-26 17:00"}};
@@ -161,16 +161,17 @@ TEST(XerOptions, AnUpdateWithWorkDoneOutOfSequenceHasTheDatesOfItsLogic) {
   text.Link("1", "2", "PR_FS", "80").Link("2", "3", "PR_FS").Link("3", "4", "PR_FS", "40");
   text.Link("4", "6", "PR_FF").Link("2", "5", "PR_SS");
   const Scheduled scheduled = Schedule(text);
-  // A is done, and so is its lag. C was finished before B, but D still waits for B.
+  // A and C are done, and so are their lags: neither B nor D waits, though C was to wait for B.
   EXPECT_EQ(scheduled.Early("B"), "2027-03-01T08:00 to 2027-03-02T17:00");
-  EXPECT_EQ(scheduled.Early("D"), "2027-03-03T08:00 to 2027-03-03T17:00");
+  EXPECT_EQ(scheduled.Early("D"), "2027-03-01T08:00 to 2027-03-01T17:00");
   EXPECT_EQ(scheduled.Early("E"), "2027-03-01T08:00 to 2027-03-03T17:00");
-  EXPECT_EQ(scheduled.Early("M"), "2027-03-03T17:00 to 2027-03-03T17:00");
-  // M should have been there on Tuesday: a day of negative float, back through C to B.
+  EXPECT_EQ(scheduled.Early("M"), "2027-03-01T17:00 to 2027-03-01T17:00");
+  // M has to be there on Tuesday, which leaves D a day. B is held by E alone, which ends last.
   EXPECT_EQ(scheduled.Late("D"), "2027-03-02T08:00 to 2027-03-02T17:00");
-  EXPECT_EQ(scheduled.Late("B"), "2027-02-26T08:00 to 2027-03-01T17:00");
-  EXPECT_EQ(FloatHours(scheduled, "M"), -8);
-  EXPECT_EQ(FloatHours(scheduled, "B"), -8);
+  EXPECT_EQ(scheduled.Late("B"), "2027-03-01T08:00 to 2027-03-02T17:00");
+  EXPECT_EQ(FloatHours(scheduled, "M"), 8);
+  EXPECT_EQ(FloatHours(scheduled, "D"), 8);
+  EXPECT_EQ(FloatHours(scheduled, "B"), 0);
   EXPECT_EQ(FloatHours(scheduled, "E"), 0);
   EXPECT_THAT(scheduled.Breaches(), IsEmpty());
 }

@@ -190,12 +190,6 @@ class LinkCauses {
         Add(link, *from, *to);
       }
     }
-    for (const Link& link : plan.links) {
-      if (out_of_sequence_.contains(link.predecessor)) {
-        early_.emplace(link.successor, fmt::format("{} before it was finished out of sequence",
-                                                   plan.FindTask(link.predecessor)->id));
-      }
-    }
   }
 
   /// Empty if no link of the task has anything.
@@ -207,17 +201,17 @@ class LinkCauses {
 
  private:
   void Add(const Link& link, const Task& from, const Task& to) {
+    if (to.IsFinished()) {
+      return;
+    }
     const bool from_finish =
         link.type == LinkType::kFinishToStart || link.type == LinkType::kFinishToFinish;
-    if (!from.IsFinished() && to.IsFinished()) {
-      late_.emplace(from.uid, fmt::format("{} behind it was finished out of sequence", to.id));
-      out_of_sequence_.insert(to.uid);
-    } else if (from.IsStarted() && !from.IsFinished() && !from_finish && link.lag_minutes != 0) {
+    if (from.IsStarted() && !from.IsFinished() && !from_finish && link.lag_minutes != 0) {
       const std::string cause =
           fmt::format("the lag from the start of {}, which has started", from.id);
       early_.emplace(to.uid, cause);
       late_.emplace(from.uid, cause);
-    } else if (from.IsFinished() && !to.IsFinished() && LagReachesPastStatus(link, from)) {
+    } else if (from.IsFinished() && LagReachesPastStatus(link, from)) {
       early_.emplace(to.uid, fmt::format("the lag behind {}, which is finished, would reach past "
                                          "the data date",
                                          from.id));
@@ -237,7 +231,6 @@ class LinkCauses {
   const Plan& plan_;
   std::unordered_map<Uid, std::string> early_;
   std::unordered_map<Uid, std::string> late_;
-  std::unordered_set<Uid> out_of_sequence_;
 };
 
 /// An early difference may come from a predecessor that has one, a late one from a successor.

@@ -182,10 +182,10 @@ struct CustomField {
 };
 
 /// How what is left of a started task treats predecessors that are not finished. Retained logic: it
-/// waits for them, and what comes after a task that was finished before them waits for them, too,
-/// if it waits for the data date. Progress override: it goes ahead, and they have float as if there
-/// was no link. Actual dates: it goes ahead, and the dates at which it has started or finished
-/// limit the late dates of its predecessors.
+/// waits for them. Progress override: it goes ahead, and they have float as if there was no link.
+/// Actual dates: it goes ahead, and the dates at which it has started or finished limit the late
+/// dates of its predecessors. A finished task waits for nothing, and under the first two rules its
+/// predecessors have float as if there was no link to it.
 enum class ProgressRule : std::int32_t {
   kRetainedLogic = 0,
   kProgressOverride = 1,

@@ -116,12 +116,8 @@ class LatePass {
   void Run() {
     try {
       for (slot_ = network_.open_count - 1; slot_ >= 0; --slot_) {
-        if (network_.nodes[slot_].is_relay) {
-          PassOn();
-        } else {
-          FindLateDates();
-          FindFreeFloat();
-        }
+        FindLateDates();
+        FindFreeFloat();
       }
     } catch (const OutsideCalendars& error) {
       throw OutsideError(network_, slot_, error);
@@ -129,26 +125,14 @@ class LatePass {
   }
 
  private:
-  Ceilings CeilingsOfLateDates() {
-    return CeilingsOfLinks(network_, slot_, [this](Slot successor, bool to_finish) {
-      return network_.late[to_finish ? FinishOf(successor) : StartOf(successor)];
-    });
-  }
-
-  /// A relay may come as late as what it holds lets it.
-  void PassOn() {
-    const Ceilings ceilings = CeilingsOfLateDates();
-    const Instant moment =
-        Unpack(std::min({ceilings.start, ceilings.finish, plan_finish_.packed()}));
-    SetLate(moment, moment);
-  }
-
   void FindLateDates() {
     Ceilings ceilings;
     if (network_.nodes[slot_].is_mandatory && HasMandatoryLateDates(network_, slot_)) {
       ceilings = MandatoryCeilings(network_, slot_);
     } else {
-      ceilings = CeilingsOfLateDates();
+      ceilings = CeilingsOfLinks(network_, slot_, [this](Slot successor, bool to_finish) {
+        return network_.late[to_finish ? FinishOf(successor) : StartOf(successor)];
+      });
       const TaskFacts& facts = network_.facts[slot_];
       ceilings.start = std::min(ceilings.start, facts.link_ceiling);
       ceilings.finish =

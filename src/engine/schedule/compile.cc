@@ -35,14 +35,6 @@ Lists<Item> GroupBy(std::int32_t count, const std::vector<Source>& sources, cons
   return lists;
 }
 
-/// By what tasks are put in order.
-struct SlotKey {
-  std::uint64_t order = 0;  // group, level, lags, predecessors
-  std::uint64_t last = 0;   // calendar, index
-  auto operator<=>(const SlotKey&) const = default;
-};
-constexpr int kGroupShift = 53;
-
 class Compiler {
  public:
   Compiler(const Plan& plan, const Scheduler::Participates& participates)
@@ -69,7 +61,6 @@ class Compiler {
     network_.status = plan_.StatusDate();
     FindMembers();
     FindEdges();
-    FindRelays();
     AssignSlots();
     MakeFacts();
     MakeLinks();
@@ -81,12 +72,6 @@ class Compiler {
  private:
   const Task& TaskAt(TaskIndex index) const { return *tasks_[static_cast<std::size_t>(index)]; }
   Slot SlotOf(TaskIndex index) const { return network_.slot_of[static_cast<std::size_t>(index)]; }
-  /// Where links find the task: at its relay if it has one.
-  Slot LinkSlotOf(TaskIndex index) const {
-    const Slot relay = relay_slot_of_[static_cast<std::size_t>(index)];
-    return relay >= 0 ? relay : SlotOf(index);
-  }
-  bool IsRelayed(TaskIndex index) const { return is_relayed_[static_cast<std::size_t>(index)]; }
   TaskIndex IndexOf(Uid uid) const { return network_.index_of.Find(uid); }
   void AddLabel(const Task& task) {
     network_.labels.append("Task ").append(task.id);
@@ -121,13 +106,9 @@ class Compiler {
   void FindEdges();
   void AddSummaryEdges(TaskIndex from, TaskIndex to, const Link& link, std::int32_t order);
   void AddEdge(TaskIndex from, TaskIndex to, const Link& link, std::int32_t order);
-  bool StillHolds(const Edge& edge) const;
-  void FindRelays();
   void AssignSlots();
-  void PlaceTasks(const std::vector<SlotKey>& keys);
   void MakeFacts();
   TaskFacts FactsOf(const Task& task);
-  static TaskFacts RelayFacts();
   void MakeLinks();
   std::int32_t OwnFloorOf(const Task& task, std::uint16_t table);
   void HoldFromActualDate(const Edge& edge);
@@ -143,9 +124,6 @@ class Compiler {
   std::vector<Edge> edges_;                      // between ordinary tasks
   std::vector<Edge> effort_edges_;               // with a level of effort at one end
   std::vector<Edge> open_edges_;                 // those of edges_ that can change dates
-  std::vector<std::int32_t> levels_;             // by TaskIndex: in the order of edges_
-  std::vector<bool> is_relayed_;                 // by TaskIndex
-  std::vector<Slot> relay_slot_of_;              // by TaskIndex; -1: it has no relay
   std::size_t summary_edges_ = 0;                // that links of summaries stand for
 };
 
@@ -244,56 +222,12 @@ void Compiler::AddEdge(TaskIndex from, TaskIndex to, const Link& link, std::int3
   }
 }
 
-/// Whether a link to a finished task still has something to wait for.
-bool Compiler::StillHolds(const Edge& edge) const {
-  const Task& from = TaskAt(edge.from);
-  return from.IsFinished() ? IsRelayed(edge.from) : IsFromFinish(edge) || !from.IsStarted();
-}
-
-/// Finds the finished tasks that stand between unfinished ones. Where logic is retained, what comes
-/// after a task that was finished out of sequence still waits for what comes before it.
-void Compiler::FindRelays() {
-  const auto count = static_cast<std::int32_t>(tasks_.size());
-  levels_ = LevelsOf(count, edges_, [this](std::int32_t index) { return TaskAt(index).id; });
-  is_relayed_.assign(tasks_.size(), false);
-  const bool is_retained = plan_.schedule.progress == ProgressRule::kRetainedLogic &&
-                           plan_.schedule.remaining_from_data_date;
-  std::vector<const Edge*> edges;  // into and out of finished tasks
-  bool has_any = false;
-  for (const Edge& edge : edges_) {
-    const bool to_finished = TaskAt(edge.to).IsFinished();
-    if (is_retained && (to_finished || TaskAt(edge.from).IsFinished())) {
-      edges.push_back(&edge);
-      has_any = has_any || (to_finished && StillHolds(edge));
-    }
-  }
-  if (!has_any) {
-    return;
-  }
-  const auto level_of = [this](const Edge* edge) {
-    return levels_[static_cast<std::size_t>(edge->from)];
-  };
-  std::sort(edges.begin(), edges.end(),
-            [&](const Edge* a, const Edge* b) { return level_of(a) < level_of(b); });
-  for (const Edge* edge : edges) {
-    if (TaskAt(edge->to).IsFinished() && StillHolds(*edge)) {
-      is_relayed_[static_cast<std::size_t>(edge->to)] = true;
-    }
-  }
-  std::vector<bool> leads_on(tasks_.size(), false);
-  for (auto edge = edges.rbegin(); edge != edges.rend(); ++edge) {
-    if (!TaskAt((*edge)->to).IsFinished() || leads_on[static_cast<std::size_t>((*edge)->to)]) {
-      leads_on[static_cast<std::size_t>((*edge)->from)] = true;
-    }
-  }
-  for (std::size_t i = 0; i < tasks_.size(); ++i) {
-    is_relayed_[i] = is_relayed_[i] && leads_on[i];
-  }
-}
-
 /// Puts the tasks in order. Tasks of one level do not wait for each other; among them, tasks that
 /// look alike stand together, so that the pass over them runs smoothly.
 void Compiler::AssignSlots() {
+  const auto count = static_cast<std::int32_t>(tasks_.size());
+  const std::vector<std::int32_t> levels =
+      LevelsOf(count, edges_, [this](std::int32_t index) { return TaskAt(index).id; });
   std::vector<std::int32_t> predecessors(tasks_.size(), 0);
   std::vector<bool> has_lag(tasks_.size(), false);
   for (const Edge& edge : edges_) {
@@ -309,44 +243,39 @@ void Compiler::AssignSlots() {
            : task.IsFinished()                     ? 1
                                                    : 0;
   };
-  std::vector<SlotKey> keys;
+  struct Key {
+    std::uint64_t order = 0;  // group, level, lags, predecessors
+    std::uint64_t last = 0;   // calendar, index
+    auto operator<=>(const Key&) const = default;
+  };
+  std::vector<Key> keys;
   keys.reserve(tasks_.size());
-  for (TaskIndex index = 0; index < static_cast<TaskIndex>(tasks_.size()); ++index) {
+  for (TaskIndex index = 0; index < count; ++index) {
     const auto i = static_cast<std::size_t>(index);
-    const auto level = static_cast<std::uint64_t>(levels_[i]);
+    const auto group = static_cast<std::uint64_t>(group_of(index));
+    const auto level = static_cast<std::uint64_t>(levels[i]);
     const auto links = static_cast<std::uint64_t>(std::min(predecessors[i], (1 << 20) - 1));
-    const auto add = [&](std::uint64_t group) {
-      keys.push_back({group << kGroupShift | level << 21 | (has_lag[i] ? 1U : 0U) << 20 | links,
-                      static_cast<std::uint64_t>(TaskAt(index).calendar) << 32 |
-                          static_cast<std::uint64_t>(index)});
-    };
-    add(static_cast<std::uint64_t>(group_of(index)));
-    if (IsRelayed(index)) {
-      add(0);
-    }
+    keys.push_back({group << 53 | level << 21 | (has_lag[i] ? 1U : 0U) << 20 | links,
+                    static_cast<std::uint64_t>(TaskAt(index).calendar) << 32 |
+                        static_cast<std::uint64_t>(index)});
   }
   std::sort(keys.begin(), keys.end());
-  PlaceTasks(keys);
-}
-
-void Compiler::PlaceTasks(const std::vector<SlotKey>& keys) {
   network_.index_at.reserve(keys.size());
+  for (const Key& key : keys) {
+    network_.index_at.push_back(static_cast<TaskIndex>(key.last & 0xFFFFFFFFU));
+  }
+
   network_.slot_of.resize(tasks_.size());
-  relay_slot_of_.assign(tasks_.size(), -1);
   std::array<Slot, 4> sizes{};
-  for (const SlotKey& key : keys) {
-    const auto slot = static_cast<Slot>(network_.index_at.size());
-    const auto index = static_cast<std::size_t>(key.last & 0xFFFFFFFFU);
-    const std::uint64_t group = key.order >> kGroupShift;
-    network_.index_at.push_back(static_cast<TaskIndex>(index));
-    (group == 0 && is_relayed_[index] ? relay_slot_of_ : network_.slot_of)[index] = slot;
-    ++sizes[static_cast<std::size_t>(group)];
+  for (Slot slot = 0; slot < count; ++slot) {
+    const TaskIndex index = network_.index_at[static_cast<std::size_t>(slot)];
+    network_.slot_of[static_cast<std::size_t>(index)] = slot;
+    ++sizes[static_cast<std::size_t>(group_of(index))];
   }
   network_.open_count = sizes[0];
   network_.network_count = sizes[0] + sizes[1];
   network_.effort_count = network_.network_count + sizes[2];
-  network_.slot_count = network_.effort_count + sizes[3];
-  network_.task_count = static_cast<TaskIndex>(tasks_.size());
+  network_.task_count = count;
 }
 
 TaskFacts Compiler::FactsOf(const Task& task) {
@@ -368,15 +297,6 @@ TaskFacts Compiler::FactsOf(const Task& task) {
   } else if (facts.is_started && !task.resumed.IsAbsent()) {
     facts.own_floor = std::max(facts.own_floor, task.resumed.packed());
   }
-  return facts;
-}
-
-/// A relay has nothing of its own.
-TaskFacts Compiler::RelayFacts() {
-  TaskFacts facts;
-  facts.kind = TaskKind::kFinishMilestone;
-  facts.is_started = true;
-  facts.is_finished = true;
   return facts;
 }
 
@@ -404,19 +324,14 @@ void Compiler::MakeFacts() {
   if (plan_.StatusDate().IsAbsent() && network_.open_count > 0) {
     throw SchedulingError("The plan has neither a start nor a data date");
   }
-  const auto count = static_cast<std::size_t>(network_.slot_count);
+  const auto count = static_cast<std::size_t>(network_.task_count);
   network_.early.assign(2 * count, plan_.StatusDate().packed());
   network_.late.assign(2 * count, Instant().packed());
   network_.total_float.assign(count, 0);
   network_.free_float.assign(count, 0);
   network_.facts.reserve(count);
-  for (Slot slot = 0; slot < network_.slot_count; ++slot) {
+  for (Slot slot = 0; slot < network_.task_count; ++slot) {
     const Task& task = TaskAt(network_.index_at[static_cast<std::size_t>(slot)]);
-    if (network_.IsOpen(slot) && task.IsFinished()) {
-      network_.facts.push_back(RelayFacts());
-      network_.remaining.push_back(0);
-      continue;
-    }
     network_.facts.push_back(FactsOf(task));
     const bool has_work = !task.IsFinished() &&
                           (task.kind == TaskKind::kTask || task.kind == TaskKind::kLevelOfEffort);
@@ -468,12 +383,6 @@ void Compiler::MakeLinks() {
     const Task& from = TaskAt(edge.from);
     const Task& to = TaskAt(edge.to);
     network_.facts[SlotOf(edge.from)].is_open_end = false;
-    if (IsRelayed(edge.from) || IsRelayed(edge.to)) {
-      if (StillHolds(edge) && (IsRelayed(edge.to) || !to.IsFinished())) {
-        open_edges_.push_back(edge);
-      }
-      continue;
-    }
     if (IgnoresLinks(to)) {
       if (!from.IsFinished() && plan_.schedule.progress == ProgressRule::kActualDates) {
         HoldByActualDate(edge);
@@ -491,20 +400,16 @@ void Compiler::MakeLinks() {
       open_edges_.push_back(edge);
     }
   }
-  // What is finished lets no lag run any more.
-  const auto lag_of = [this](const Edge& edge) {
-    return IsRelayed(edge.from) ? Lag{} : LagOf(edge);
-  };
-  const auto make_in_link = [&](const Edge& edge) {
-    const Slot from = LinkSlotOf(edge.from);
-    return InLink{IsFromFinish(edge) ? FinishOf(from) : StartOf(from), lag_of(edge),
+  const auto make_in_link = [this](const Edge& edge) {
+    const Slot from = SlotOf(edge.from);
+    return InLink{IsFromFinish(edge) ? FinishOf(from) : StartOf(from), LagOf(edge),
                   IsToFinish(edge), edge.order};
   };
-  const auto make_out_link = [&](const Edge& edge) {
-    return OutLink{LinkSlotOf(edge.to), lag_of(edge), IsFromFinish(edge), IsToFinish(edge)};
+  const auto make_out_link = [this](const Edge& edge) {
+    return OutLink{SlotOf(edge.to), LagOf(edge), IsFromFinish(edge), IsToFinish(edge)};
   };
-  const auto to = [this](const Edge& edge) { return LinkSlotOf(edge.to); };
-  const auto from = [this](const Edge& edge) { return LinkSlotOf(edge.from); };
+  const auto to = [this](const Edge& edge) { return SlotOf(edge.to); };
+  const auto from = [this](const Edge& edge) { return SlotOf(edge.from); };
   network_.in_links = GroupBy<InLink>(network_.open_count, open_edges_, to, make_in_link);
   network_.out_links = GroupBy<OutLink>(network_.open_count, open_edges_, from, make_out_link);
 }
@@ -524,7 +429,6 @@ void Compiler::MakeNodes() {
     node.minutes =
         network_.tables[facts.table].CapMinutes(network_.remaining[static_cast<std::size_t>(slot)]);
     node.is_milestone = facts.kind != TaskKind::kTask;
-    node.is_relay = facts.is_finished;
     node.first_ref = static_cast<std::int32_t>(network_.start_refs.size());
     for (const InLink& link : network_.in_links[slot]) {
       if (link.lag.minutes == 0 && !link.to_finish) {
@@ -534,9 +438,7 @@ void Compiler::MakeNodes() {
       }
     }
     others.first.push_back(static_cast<std::int32_t>(others.items.size()));
-    if (!node.is_relay) {
-      slots.push_back(slot);
-    }
+    slots.push_back(slot);
   }
   network_.nodes[count].first_ref = static_cast<std::int32_t>(network_.start_refs.size());
   for (Slot slot = 0; slot < count; ++slot) {
@@ -569,7 +471,7 @@ void Compiler::MakeSpans() {
                         other_comes_first, IsFromFinish(edge), IsToFinish(edge)};
       });
   network_.span_members.first.push_back(0);
-  for (Slot slot = network_.effort_count; slot < network_.slot_count; ++slot) {
+  for (Slot slot = network_.effort_count; slot < network_.task_count; ++slot) {
     const Task& summary = TaskAt(network_.index_at[static_cast<std::size_t>(slot)]);
     for (const TaskIndex member :
          members_[static_cast<std::size_t>(network_.index_at[static_cast<std::size_t>(slot)])]) {

@@ -88,11 +88,6 @@ bool ScheduleHeldBack(Network& network, Slot slot, EarlyBounds bounds) {
 /// Schedules a task of any sort.
 void ScheduleTask(Network& network, Slot slot) {
   const EarlyBounds bounds = GatherBounds(network, slot);
-  if (network.nodes[slot].is_relay) {
-    const Instant moment = Instant::FromPacked(std::max(bounds.start, bounds.finish));
-    SetEarly(network, slot, moment, moment);
-    return;
-  }
   WorkTable& table = network.TableOf(slot);
   if (network.nodes[slot].has_end) {
     const TaskFacts& facts = network.facts[slot];
@@ -249,9 +244,7 @@ Instant FinishOfPlan(Network& network) {
   if (network.finish == kNoFloor) {
     std::int32_t latest = network.latest_actual;
     for (Slot slot = 0; slot < network.open_count; ++slot) {
-      if (!network.nodes[slot].is_relay) {
-        latest = std::max(latest, network.early[FinishOf(slot)]);
-      }
+      latest = std::max(latest, network.early[FinishOf(slot)]);
     }
     network.finish = latest == kNoFloor ? network.status.packed() : latest;
   }
@@ -264,9 +257,6 @@ bool IsDriving(Network& network, Slot slot, const InLink& link) {
     return false;
   }
   const std::int32_t end = LagEnd(network, network.early[link.date], link.lag);
-  if (node.is_relay) {
-    return end == network.early[StartOf(slot)];
-  }
   WorkTable& table = network.TableOf(slot);
   const Instant start = Instant::FromPacked(network.early[StartOf(slot)]);
   if (node.minutes == 0) {

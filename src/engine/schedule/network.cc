@@ -91,9 +91,8 @@ void ApplyConstraints(Network& network, Slot slot) {
   network.finish_floor[slot] = finish_floor;
   FindEarlyCeilings(network, facts);
   node.has_end = facts.IsHeldBack() || facts.expected_finish != kNoCeiling;
-  node.is_general = node.is_relay || node.is_mandatory || node.has_end ||
-                    finish_floor != kNoFloor || !network.tables[node.table].is_uniform() ||
-                    !network.other_links[slot].empty();
+  node.is_general = node.is_mandatory || node.has_end || finish_floor != kNoFloor ||
+                    !network.tables[node.table].is_uniform() || !network.other_links[slot].empty();
 }
 
 SchedulingError OutsideError(const Network& network, Slot slot, const OutsideCalendars& error) {

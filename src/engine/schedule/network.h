@@ -15,9 +15,7 @@
 namespace nimbrel::engine {
 
 /// Where a task stands in a Network. Unfinished tasks come first, in topological order; then the
-/// finished ones; then levels of effort; then summaries. A finished task through which unfinished
-/// ones hold others stands among the unfinished a second time, as a relay: a moment without work
-/// that is of no interest but to its links.
+/// finished ones; then levels of effort; then summaries.
 using Slot = std::int32_t;
 
 /// Bounds that bind nothing, as packed moments.
@@ -42,7 +40,6 @@ struct Node {
   bool is_mandatory : 1 = false;  // its links do not hold
   bool has_end : 1 = false;       // is expected to finish at a date, or held back to one
   bool is_milestone : 1 = false;  // never has work
-  bool is_relay : 1 = false;      // passes on what holds a finished task
 };
 
 /// A lag to walk: on one of Network::lag_tables, or around the clock.
@@ -128,12 +125,11 @@ struct Network {
   Network(Network&&) = default;
   Network& operator=(Network&&) = default;
 
-  // Sizes: unfinished tasks and relays; those and finished ones; those and levels of effort; all.
+  // Sizes: unfinished tasks; those and finished ones; those and levels of effort; all.
   Slot open_count = 0;
   Slot network_count = 0;
   Slot effort_count = 0;
-  Slot slot_count = 0;
-  TaskIndex task_count = 0;  // without relays
+  Slot task_count = 0;
 
   // Identity. A TaskIndex follows the plan's order.
   std::vector<Uid> uids;                 // by TaskIndex
@@ -141,7 +137,7 @@ struct Network {
   std::vector<std::size_t> label_begin;  // of each, by TaskIndex, and the end of the last
   UidIndex index_of;
   std::vector<Slot> slot_of;        // by TaskIndex
-  std::vector<TaskIndex> index_at;  // by slot; of a relay, its finished task
+  std::vector<TaskIndex> index_at;  // by slot
   std::vector<std::string> warnings;
 
   // Calendars. Tables refer to calendars, which therefore stay where they are.
@@ -181,7 +177,7 @@ struct Network {
 
   WorkTable& TableOf(Slot slot) { return tables[facts[slot].table]; }
   bool IsOpen(Slot slot) const { return slot < open_count; }
-  bool IsRelay(Slot slot) const { return IsOpen(slot) && nodes[slot].is_relay; }
+  bool IsRelay(Slot) const { return false; }
   void MarkDirty(Slot slot) { dirty[slot >> 6] |= std::uint64_t{1} << (slot & 63); }
   /// "Task A1000 (Excavate)".
   std::string LabelOf(Slot slot) const {

@@ -25,7 +25,7 @@ struct Scheduler::Compiled {
   void VisitDriving(const Visit& visit) {
     const std::int32_t finish = FinishOfPlan(network).packed();
     for (Slot slot = 0; slot < network.open_count; ++slot) {
-      if (network.early[FinishOf(slot)] == finish && !network.nodes[slot].is_relay) {
+      if (network.early[FinishOf(slot)] == finish) {
         on_path[slot >> 6] |= std::uint64_t{1} << (slot & 63);
       }
     }
@@ -35,9 +35,7 @@ struct Scheduler::Compiled {
         const std::int32_t bit = 63 - std::countl_zero(on_path[word]);
         const Slot slot = word * 64 + bit;
         on_path[word] &= ~(std::uint64_t{1} << bit);
-        if (!network.nodes[slot].is_relay) {
-          visit(slot);
-        }
+        visit(slot);
         for (const InLink& link : network.in_links[slot]) {
           if (IsDriving(network, slot, link)) {
             const Slot from = link.predecessor();
@@ -150,7 +148,7 @@ void Scheduler::ScheduleBackward() {
   Network& network = compiled_->network;
   RunBackward(network);
   if (network.options.critical_by_longest_path) {
-    network.on_longest_path.assign(static_cast<std::size_t>(network.slot_count), false);
+    network.on_longest_path.assign(static_cast<std::size_t>(network.task_count), false);
     compiled_->VisitDriving(
         [&network](Slot slot) { network.on_longest_path[static_cast<std::size_t>(slot)] = true; });
   }
@@ -168,7 +166,7 @@ Instant Scheduler::early_finish(TaskIndex task) const {
 
 void Scheduler::CopyEarlyDates(std::span<Instant> starts, std::span<Instant> finishes) const {
   Network& network = compiled_->network;
-  if (network.slot_count > network.network_count) {
+  if (network.task_count > network.network_count) {
     FillEarlySpans(network);
   }
   const std::int32_t* const early = network.early.data();

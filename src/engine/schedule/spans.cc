@@ -188,7 +188,7 @@ void FillEarlySpans(Network& network) {
   } catch (const OutsideCalendars& error) {
     throw OutsideError(network, slot, error);
   }
-  for (; slot < network.slot_count; ++slot) {
+  for (; slot < network.task_count; ++slot) {
     const Span span = SpanOfMembers(network, slot, network.early, false);
     const bool is_empty = span.finish == kNoFloor;
     network.early[StartOf(slot)] = is_empty ? network.status.packed() : span.start;
@@ -203,7 +203,7 @@ void FillLateSpans(Network& network) {
   try {
     Efforts(network).PlaceLate(slot);
     slot = network.effort_count;
-    for (; slot < network.slot_count; ++slot) {
+    for (; slot < network.task_count; ++slot) {
       const Span late = SpanOfMembers(network, slot, network.late, true);
       if (late.finish == kNoFloor) {
         network.late[StartOf(slot)] = Instant().packed();

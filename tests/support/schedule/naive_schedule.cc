@@ -70,10 +70,7 @@ struct NaiveSchedule::Ceilings {
 
 NaiveSchedule::NaiveSchedule(const engine::Plan& plan, Participates participates,
                              std::int32_t first_day, std::int32_t days)
-    : plan_(plan),
-      participates_(std::move(participates)),
-      calendars_(plan, first_day, days),
-      passages_(plan, [this](Uid uid) { return TakesPart(uid); }) {}
+    : plan_(plan), participates_(std::move(participates)), calendars_(plan, first_day, days) {}
 
 bool NaiveSchedule::TakesPart(Uid uid) const {
   const Task* task = plan_.FindTask(uid);
@@ -93,21 +90,21 @@ std::int64_t NaiveSchedule::WorkOf(const Task& task) {
   return std::max<std::int64_t>(work, 0);
 }
 
-std::vector<const Link*> NaiveSchedule::LinksInto(const Task& task) {
+std::vector<const Link*> NaiveSchedule::LinksInto(const Task& task) const {
   std::vector<const Link*> links;
   const bool follows =
       !task.IsStarted() || plan_.schedule.progress == engine::ProgressRule::kRetainedLogic;
   for (const Link& link : plan_.links) {
     if (follows && link.successor == task.uid && TakesPart(link.predecessor) &&
         (!plan_.FindTask(link.predecessor)->IsFinished() ||
-         !plan_.schedule.remaining_from_data_date || passages_.Holds(link))) {
+         !plan_.schedule.remaining_from_data_date)) {
       links.push_back(&link);
     }
   }
   return links;
 }
 
-std::vector<const Link*> NaiveSchedule::LinksOutOf(const Task& task) {
+std::vector<const Link*> NaiveSchedule::LinksOutOf(const Task& task) const {
   std::vector<const Link*> links;
   for (const Link& link : plan_.links) {
     if (link.predecessor != task.uid || !TakesPart(link.successor)) {
@@ -118,52 +115,12 @@ std::vector<const Link*> NaiveSchedule::LinksOutOf(const Task& task) {
     // A lag that was counted from an actual start no longer depends on the predecessor.
     const bool is_settled =
         task.IsStarted() && !plan_.schedule.lag_from_early_start && !IsFromFinish(link.type);
-    const bool holds = successor.IsFinished()
-                           ? passages_.Holds(link)
-                           : std::find(into.begin(), into.end(), &link) != into.end();
-    if (!is_settled && holds) {
+    if (!successor.IsFinished() && !is_settled &&
+        std::find(into.begin(), into.end(), &link) != into.end()) {
       links.push_back(&link);
     }
   }
   return links;
-}
-
-/// When what a finished task still waits for lets go of what comes after it.
-std::int64_t NaiveSchedule::Passed(Uid uid) {
-  std::int64_t moment = std::numeric_limits<std::int64_t>::min();
-  for (const Link& link : plan_.links) {
-    if (link.successor != uid || !passages_.Holds(link)) {
-      continue;
-    }
-    const bool is_passage = plan_.FindTask(link.predecessor)->IsFinished();
-    const NaiveDates dates = is_passage ? NaiveDates{} : Unmoved(link.predecessor);
-    moment = std::max(
-        moment,
-        is_passage ? Passed(link.predecessor)
-                   : calendars_.LagEnd(link, IsFromFinish(link.type) ? dates.finish : dates.start));
-  }
-  return moment;
-}
-
-/// When it has to, so that nothing after it comes too late.
-std::int64_t NaiveSchedule::PassedLate(Uid uid) {
-  std::int64_t moment = LastFinish();
-  for (const Link& link : plan_.links) {
-    if (link.predecessor != uid || !passages_.Holds(link)) {
-      continue;
-    }
-    const bool is_passage = plan_.FindTask(link.successor)->IsFinished();
-    const NaiveDates dates = is_passage ? NaiveDates{} : Late(link.successor);
-    moment = std::min(moment, is_passage              ? PassedLate(link.successor)
-                              : IsToFinish(link.type) ? dates.finish
-                                                      : dates.start);
-  }
-  return moment;
-}
-
-/// The finish that late dates start from.
-std::int64_t NaiveSchedule::LastFinish() {
-  return plan_.schedule.must_finish.IsAbsent() ? Finish() : plan_.schedule.must_finish.Minutes();
 }
 
 NaiveDates NaiveSchedule::Unmoved(Uid uid) {
@@ -213,10 +170,6 @@ NaiveSchedule::Floors NaiveSchedule::FloorsOf(const Task& task) {
   }
   if (!IsMandatory(task)) {
     for (const Link* link : LinksInto(task)) {
-      if (passages_.Holds(*link)) {
-        (IsToFinish(link->type) ? finishes : starts).push_back(Passed(link->predecessor));
-        continue;
-      }
       const Task& predecessor = *plan_.FindTask(link->predecessor);
       const NaiveDates dates = Unmoved(link->predecessor);  // actual ones if it is finished
       std::int64_t from = IsFromFinish(link->type) ? dates.finish : dates.start;
@@ -293,13 +246,8 @@ NaiveSchedule::Ceilings NaiveSchedule::CeilingsFrom(const Task& task, DatesOf da
   Ceilings ceilings;
   for (const Link* link : LinksOutOf(task)) {
     const Task& successor = *plan_.FindTask(link->successor);
-    std::int64_t limit = 0;
-    if (successor.IsFinished()) {
-      limit = dates_of == &NaiveSchedule::Late ? PassedLate(successor.uid) : Passed(successor.uid);
-    } else {
-      const NaiveDates dates = (this->*dates_of)(successor.uid);
-      limit = IsToFinish(link->type) ? dates.finish : dates.start;
-    }
+    const NaiveDates dates = (this->*dates_of)(successor.uid);
+    const std::int64_t limit = IsToFinish(link->type) ? dates.finish : dates.start;
     std::int64_t& ceiling = IsFromFinish(link->type) ? ceilings.finish : ceilings.start;
     ceiling = std::min(ceiling, calendars_.LagBegin(*link, limit));
   }
@@ -377,7 +325,9 @@ NaiveDates NaiveSchedule::FindLate(const Task& task) {
   std::vector<ConstraintType> finish_types{ConstraintType::kMandatoryFinish};
   if (!HasMandatoryLateDates(task)) {
     ceilings = CeilingsFrom(task, &NaiveSchedule::Late);
-    ceilings.finish = std::min(ceilings.finish, LastFinish());
+    ceilings.finish = std::min(ceilings.finish, plan_.schedule.must_finish.IsAbsent()
+                                                    ? Finish()
+                                                    : plan_.schedule.must_finish.Minutes());
     AddActualCeilings(task, ceilings);
     if (plan_.schedule.open_ends_critical && IsOpenEnd(task)) {
       ceilings.finish = std::min(ceilings.finish, Early(task.uid).finish);
@@ -441,7 +391,8 @@ std::int64_t NaiveSchedule::FreeFloat(Uid uid) {
   const Task& task = *plan_.FindTask(uid);
   Ceilings ceilings = CeilingsFrom(task, &NaiveSchedule::Early);
   if (LinksOutOf(task).empty()) {
-    ceilings.finish = LastFinish();
+    ceilings.finish =
+        plan_.schedule.must_finish.IsAbsent() ? Finish() : plan_.schedule.must_finish.Minutes();
   }
   const NaiveDates latest = LatestUnder(task, ceilings);
   return std::max<std::int64_t>(

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "engine/plan/plan.h"
-#include "tests/support/schedule/passages.h"
 #include "tests/support/schedule/plan_calendars.h"
 
 namespace nimbrel::test {
@@ -56,18 +55,14 @@ class NaiveSchedule {
   void AddActualCeilings(const engine::Task& task, Ceilings& ceilings);
   bool IsOpenEnd(const engine::Task& task) const;
   Ceilings CeilingsFrom(const engine::Task& task, DatesOf dates_of);
-  std::vector<const engine::Link*> LinksInto(const engine::Task& task);
-  std::vector<const engine::Link*> LinksOutOf(const engine::Task& task);
-  std::int64_t Passed(engine::Uid task);
-  std::int64_t PassedLate(engine::Uid task);
-  std::int64_t LastFinish();
+  std::vector<const engine::Link*> LinksInto(const engine::Task& task) const;
+  std::vector<const engine::Link*> LinksOutOf(const engine::Task& task) const;
   bool TakesPart(engine::Uid task) const;
   std::int64_t WorkOf(const engine::Task& task);
 
   const engine::Plan& plan_;
   Participates participates_;
   PlanCalendars calendars_;
-  Passages passages_;
   std::map<engine::Uid, NaiveDates> unmoved_;
   std::map<engine::Uid, NaiveDates> early_;
   std::map<engine::Uid, NaiveDates> late_;

@@ -4,7 +4,6 @@
 #include <limits>
 #include <optional>
 
-#include "tests/support/schedule/passages.h"
 #include "tests/support/schedule/plan_calendars.h"
 
 namespace nimbrel::test {
@@ -34,13 +33,7 @@ struct Bound {
 class Checker {
  public:
   Checker(const Plan& plan, const Scheduler::Participates& participates, const Scheduler& scheduler)
-      : plan_(plan),
-        participates_(participates),
-        scheduler_(scheduler),
-        passages_(plan, [this](engine::Uid uid) {
-          const Task* task = plan_.FindTask(uid);
-          return task != nullptr && participates_(*task) && IsOrdinary(*task);
-        }) {}
+      : plan_(plan), participates_(participates), scheduler_(scheduler) {}
 
   std::vector<std::string> Run(Checked checked) {
     FindWindow(checked);
@@ -97,7 +90,7 @@ class Checker {
         calendars_->OfTask(task).WorkBetween(start, task.expected_finish.Minutes());
     return std::max<std::int64_t>(work, 0);
   }
-  bool FollowsMovedLate(const Task& task) {
+  bool FollowsMovedLate(const Task& task) const {
     const std::vector<const Link*> links = HoldingLinks(task, true);
     return std::any_of(links.begin(), links.end(), [this](const Link* link) {
       return IsMovedLate(*plan_.FindTask(link->predecessor));
@@ -195,7 +188,7 @@ class Checker {
   }
 
   /// The links that hold between two unfinished tasks, of one task as predecessor or successor.
-  std::vector<const Link*> HoldingLinks(const Task& task, bool as_successor) {
+  std::vector<const Link*> HoldingLinks(const Task& task, bool as_successor) const {
     std::vector<const Link*> links;
     for (const Link& link : plan_.links) {
       if ((as_successor ? link.successor : link.predecessor) != task.uid) {
@@ -208,40 +201,11 @@ class Checker {
                               (!from->IsFinished() || DrivesWhenFinished()) && !to->IsFinished();
       const bool is_overridden = takes_part && to->IsStarted() &&
                                  plan_.schedule.progress != engine::ProgressRule::kRetainedLogic;
-      if ((takes_part && !is_overridden) || passages_.Holds(link)) {
+      if (takes_part && !is_overridden) {
         links.push_back(&link);
       }
     }
     return links;
-  }
-
-  /// When what a finished task still waits for lets go of what comes after it.
-  std::int64_t Passed(const Task& task) {
-    std::int64_t moment = std::numeric_limits<std::int64_t>::min();
-    for (const Link& link : plan_.links) {
-      if (link.successor == task.uid && passages_.Holds(link)) {
-        const Task& from = *plan_.FindTask(link.predecessor);
-        moment =
-            std::max(moment, from.IsFinished()
-                                 ? Passed(from)
-                                 : calendars_->LagEnd(link, FromFinish(link) ? EarlyFinish(from)
-                                                                             : EarlyStart(from)));
-      }
-    }
-    return moment;
-  }
-  /// When it has to, so that nothing after it comes too late.
-  std::int64_t PassedLate(const Task& task) {
-    std::int64_t moment = PlanFinish();
-    for (const Link& link : plan_.links) {
-      if (link.predecessor == task.uid && passages_.Holds(link)) {
-        const Task& to = *plan_.FindTask(link.successor);
-        moment = std::min(moment, to.IsFinished()  ? PassedLate(to)
-                                  : ToFinish(link) ? LateFinish(to)
-                                                   : LateStart(to));
-      }
-    }
-    return moment;
   }
 
   static bool FromFinish(const Link& link) {
@@ -288,10 +252,6 @@ class Checker {
     }
     for (const Link* link : HoldingLinks(task, true)) {
       const Task& from = *plan_.FindTask(link->predecessor);
-      if (passages_.Holds(*link)) {
-        bounds.push_back({Passed(from), ToFinish(*link), "what held " + from.id});
-        continue;
-      }
       const Instant actual = FromFinish(*link) ? from.actual_finish : from.actual_start;
       const std::int64_t date = CountsFromActualDate(*link) ? actual.Minutes()
                                 : FromFinish(*link)         ? EarlyFinish(from)
@@ -383,9 +343,7 @@ class Checker {
         continue;
       }
       const Task& to = *plan_.FindTask(link->successor);
-      const std::int64_t limit = to.IsFinished()   ? PassedLate(to)
-                                 : ToFinish(*link) ? LateFinish(to)
-                                                   : LateStart(to);
+      const std::int64_t limit = ToFinish(*link) ? LateFinish(to) : LateStart(to);
       bounds.push_back(
           {calendars_->LagBegin(*link, limit), FromFinish(*link), "the link to " + to.id});
     }
@@ -435,9 +393,7 @@ class Checker {
         continue;
       }
       const Task& to = *plan_.FindTask(link->successor);
-      const std::int64_t limit = to.IsFinished()   ? Passed(to)
-                                 : ToFinish(*link) ? EarlyFinish(to)
-                                                   : EarlyStart(to);
+      const std::int64_t limit = ToFinish(*link) ? EarlyFinish(to) : EarlyStart(to);
       const std::int64_t spare =
           calendar.WorkBetween(FromFinish(*link) ? EarlyFinish(task) : EarlyStart(task),
                                calendars_->LagBegin(*link, limit));
@@ -495,7 +451,6 @@ class Checker {
   const Plan& plan_;
   const Scheduler::Participates& participates_;
   const Scheduler& scheduler_;
-  Passages passages_;
   std::optional<PlanCalendars> calendars_;
   std::vector<std::string> breaches_;
 };
