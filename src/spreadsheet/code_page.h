@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+
+#include "platform/code_page_decoder.h"
 
 namespace nimbrel::spreadsheet {
 
@@ -10,9 +13,6 @@ namespace nimbrel::spreadsheet {
 class CodePage {
  public:
   CodePage();  // Western European, 1252
-  CodePage(const CodePage&) = delete;
-  CodePage& operator=(const CodePage&) = delete;
-  ~CodePage();
 
   /// Takes the number that a file gives. False, with no change, if the page is not known.
   bool Select(std::uint16_t number);
@@ -21,7 +21,7 @@ class CodePage {
   std::string Decode(std::string_view bytes) const;
 
  private:
-  void* converter_;
+  std::unique_ptr<platform::CodePageDecoder> decoder_;
 };
 
 }  // namespace nimbrel::spreadsheet

@@ -26,7 +26,7 @@ std::string ReadBytes(const std::string& path) {
     RaiseReadError(place, "is larger than " + MebibytesText(kMaxFileBytes));
   }
   std::string bytes(size, '\0');
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(std::filesystem::path(path), std::ios::binary);
   file.read(bytes.data(), static_cast<std::streamsize>(size));
   if (!file) {
     RaiseReadError(place, "cannot be read");

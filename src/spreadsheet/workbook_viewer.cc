@@ -1,16 +1,12 @@
 #include "spreadsheet/workbook_viewer.h"
 
-#include <stdlib.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
+#include "platform/files.h"
 #include "platform/runtime_error.h"
 #include "spreadsheet/xlsx_writer.h"
 
@@ -22,12 +18,6 @@ namespace fs = std::filesystem;
 constexpr const char* kShown = "shown-";  // what may be swept up
 constexpr const char* kKept = "kept-";
 
-bool IsOwnFolder(const std::string& path) {
-  struct stat info {};
-  return lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid == geteuid() &&
-         (info.st_mode & 077) == 0;
-}
-
 /// Whether the folder holds what nobody has touched for a day.
 bool IsStale(const fs::path& folder) {
   std::error_code error;
@@ -36,10 +26,21 @@ bool IsStale(const fs::path& folder) {
     return !error && fs::file_time_type::clock::now() - time > std::chrono::hours(24);
   };
   const auto is_lock = [](const fs::directory_entry& entry) {
-    return entry.path().filename().string().starts_with(".~lock.");
+    const std::string name = entry.path().filename().string();
+    return name.starts_with(".~lock.") || name.starts_with("~$");
   };
   const fs::directory_iterator entries(folder, error);
   return !error && is_old(folder) && std::none_of(begin(entries), end(entries), is_lock);
+}
+
+/// Removes a folder with its files, which are not to be written to.
+void RemoveFolder(const fs::path& folder) {
+  std::error_code ignored;
+  for (const auto& entry : fs::directory_iterator(folder, ignored)) {
+    fs::permissions(entry.path(), fs::perms::owner_write,
+                    fs::perm_options::add | fs::perm_options::nofollow, ignored);
+  }
+  fs::remove_all(folder, ignored);
 }
 
 /// Puts a file where it is not swept up; its new path.
@@ -62,8 +63,12 @@ void WorkbookSaver::Show(const Workbook& workbook, const std::string&) {
   WriteXlsx(workbook, path_, is_stopped_);
 }
 
-DesktopViewer::DesktopViewer(StartProcess start, platform::MessageBox& messages, std::string folder)
-    : start_(std::move(start)), messages_(messages), folder_(std::move(folder)) {
+DesktopViewer::DesktopViewer(StartProcess start, platform::MessageBox& messages, std::string folder,
+                             std::vector<std::string> opener)
+    : start_(std::move(start)),
+      messages_(messages),
+      folder_(std::move(folder)),
+      opener_(std::move(opener)) {
   SweepUp();
 }
 
@@ -73,7 +78,9 @@ void DesktopViewer::Show(const Workbook& workbook, const std::string& path) {
   const std::string file = is_new ? WriteTemporary(workbook) : path;
   const std::vector<std::string> office = is_new ? std::vector<std::string>{"soffice", "-n", file}
                                                  : std::vector<std::string>{"soffice", file};
-  if (!start_(office) && !start_({"xdg-open", file})) {
+  std::vector<std::string> system = opener_;
+  system.push_back(file);
+  if (!start_(office) && !start_(system)) {
     messages_.Show("There is no program to open the workbook with. It is in this file:\r\n" +
                        (is_new ? Keep(file) : file),
                    "Weather Modeling");
@@ -86,12 +93,12 @@ std::string DesktopViewer::TemporaryFolder() const {
 }
 
 std::string DesktopViewer::UsersFolder() const {
-  return (fs::path(TemporaryFolder()) / ("nimbrel-" + std::to_string(geteuid()))).string();
+  return (fs::path(TemporaryFolder()) / platform::UsersFolderName("nimbrel")).string();
 }
 
 void DesktopViewer::SweepUp() const {
   const std::string folder = UsersFolder();
-  if (!IsOwnFolder(folder)) {
+  if (!platform::IsUsersFolder(folder)) {
     return;
   }
   std::error_code ignored;
@@ -102,32 +109,35 @@ void DesktopViewer::SweepUp() const {
     }
   }
   for (const fs::path& path : stale) {
-    fs::remove_all(path, ignored);
+    RemoveFolder(path);
   }
 }
 
 std::string DesktopViewer::WriteTemporary(const Workbook& workbook) const {
   const std::string users = UsersFolder();
-  mkdir(users.c_str(), 0700);
+  platform::MakeUsersFolder(users);
   // Where another user has taken the name, what is written stays until the system empties the
   // place.
-  std::string folder = IsOwnFolder(users)
-                           ? (fs::path(users) / kShown).string() + "XXXXXX"
-                           : (fs::path(TemporaryFolder()) / "nimbrel-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) {
+  const fs::path beginning = platform::IsUsersFolder(users)
+                                 ? fs::path(users) / kShown
+                                 : fs::path(TemporaryFolder()) / "nimbrel-";
+  std::string folder;
+  try {
+    folder = platform::MakeNewFolder(beginning.string());
+  } catch (const std::system_error& error) {
     throw platform::RuntimeError(platform::kApplicationDefined,
-                                 "No folder for the workbook can be made: " + folder + ": " +
-                                     std::error_code(errno, std::generic_category()).message());
+                                 "No folder for the workbook can be made: " + beginning.string() +
+                                     ": " + error.code().message());
   }
   const std::string file = (fs::path(folder) / "Weather.xlsx").string();
   try {
     WriteXlsx(workbook, file);
   } catch (...) {
-    std::error_code ignored;
-    fs::remove_all(folder, ignored);
+    RemoveFolder(folder);
     throw;
   }
-  chmod(file.c_str(), S_IRUSR);
+  std::error_code ignored;
+  fs::permissions(file, fs::perms::owner_read, ignored);
   return file;
 }
 

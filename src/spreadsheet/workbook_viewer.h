@@ -44,16 +44,18 @@ using StartProcess = std::function<bool(const std::vector<std::string>& command)
 /// where the file is.
 ///
 /// A workbook that has no file is written into a new folder of its own, for the user's eyes only,
-/// in the user's folder "nimbrel-UID" among the temporary files. The program that opens it needs
+/// in the user's folder ("nimbrel-UID") among the temporary files. The program that opens it needs
 /// it, and nobody tells when no longer. So each viewer that is made sweeps up what the earlier ones
 /// have left there a day ago or longer, but for what a program has locked. The files cannot be
 /// written to, so that nobody saves work into what will be swept up; what a message has named is
 /// never swept up.
 class DesktopViewer final : public WorkbookViewer {
  public:
-  /// `folder` is where temporary files go; an empty one means the system's own. The message box
-  /// must live as long as this.
-  DesktopViewer(StartProcess start, platform::MessageBox& messages, std::string folder = {});
+  /// `folder` is where temporary files go; an empty one means the system's own. `opener` is the
+  /// command that opens a file in the system's own program, but for the file at its end; none where
+  /// a file is started as a program is. The message box must live as long as this.
+  DesktopViewer(StartProcess start, platform::MessageBox& messages, std::string folder = {},
+                std::vector<std::string> opener = {"xdg-open"});
 
   /// Raises error 1004 if the file cannot be written.
   void Show(const Workbook& workbook, const std::string& path) override;
@@ -68,6 +70,7 @@ class DesktopViewer final : public WorkbookViewer {
   StartProcess start_;
   platform::MessageBox& messages_;
   std::string folder_;
+  std::vector<std::string> opener_;
 };
 
 }  // namespace nimbrel::spreadsheet

@@ -1,24 +1,19 @@
 #include "spreadsheet/xlsx_writer.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <xlsxwriter.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <new>
-#include <optional>
 #include <system_error>
 #include <vector>
 
+#include "platform/files.h"
 #include "platform/runtime_error.h"
 #include "spreadsheet/limits.h"
 #include "spreadsheet/text_coding.h"
@@ -57,83 +52,14 @@ std::filesystem::path BehindLinks(std::filesystem::path path) {
   return path;
 }
 
-/// A file beside the one that is to be written. It is gone at the end unless it was put in place.
-class PartialFile {
- public:
-  explicit PartialFile(const std::string& path) : path_(path), target_(BehindLinks(path)) {
-    std::error_code error;
-    const auto there = std::filesystem::status(target_, error);
-    if (std::filesystem::exists(there) && !std::filesystem::is_regular_file(there)) {
-      RaiseWriteError(path, "there is something in its place that is no file");
-    }
-    for (int attempt = 0; file_ < 0; ++attempt) {
-      name_ = target_.string() + ".part" + std::to_string(getpid()) + "-" + std::to_string(attempt);
-      file_ = open(name_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
-      if (file_ < 0 && errno != EEXIST) {
-        RaiseSystemError();
-      }
-    }
-    if (std::filesystem::exists(there)) {
-      permissions_ = static_cast<mode_t>(there.permissions());
-    }
+/// Raises error 1004 for `path` if `target`, the file that it means, is something else than a file.
+void CheckPlace(const std::filesystem::path& target, const std::string& path) {
+  std::error_code error;
+  const auto there = std::filesystem::status(target, error);
+  if (std::filesystem::exists(there) && !std::filesystem::is_regular_file(there)) {
+    RaiseWriteError(path, "there is something in its place that is no file");
   }
-  PartialFile(const PartialFile&) = delete;
-  PartialFile& operator=(const PartialFile&) = delete;
-  ~PartialFile() {
-    close(file_);
-    unlink(name_.c_str());  // what was put in place has another name
-  }
-
-  const std::string& name() const { return name_; }
-
-  void PutInPlace() {
-    // What has not reached the disk must not take the place of what has.
-    if (permissions_) {
-      fchmod(file_, *permissions_);
-    }
-    if ((fsync(file_) != 0 && errno != EINVAL && errno != EROFS) ||
-        rename(name_.c_str(), target_.c_str()) != 0) {
-      RaiseSystemError();
-    }
-  }
-
- private:
-  [[noreturn]] void RaiseSystemError() const {
-    RaiseWriteError(path_, std::error_code(errno, std::generic_category()).message());
-  }
-
-  std::string path_;
-  std::filesystem::path target_;
-  std::string name_;
-  int file_ = -1;
-  std::optional<mode_t> permissions_;  // those of the file that was there
-};
-
-/// Standard error goes nowhere while this lives. The library prints its errors there, beside giving
-/// them back.
-class SilentErrors {
- public:
-  SilentErrors() : before_(dup(STDERR_FILENO)) {
-    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    if (before_ >= 0 && nowhere >= 0) {
-      std::fflush(stderr);
-      dup2(nowhere, STDERR_FILENO);
-    }
-    close(nowhere);
-  }
-  SilentErrors(const SilentErrors&) = delete;
-  SilentErrors& operator=(const SilentErrors&) = delete;
-  ~SilentErrors() {
-    if (before_ >= 0) {
-      std::fflush(stderr);
-      dup2(before_, STDERR_FILENO);
-      close(before_);
-    }
-  }
-
- private:
-  int before_;
-};
+}
 
 struct FreeWorkbook {
   void operator()(lxw_workbook* file) const { lxw_workbook_free(file); }
@@ -309,10 +235,12 @@ class SheetWriter {
 /// Gives a sheet its name. The library counts the characters of a name as it stands in the file, so
 /// it refuses some that are short enough but hold what looks like an escape there.
 void SetName(lxw_worksheet& sheet, const std::string& name) {
-  char* const own = strdup(EscapeXlsxText(name).c_str());
+  const std::string escaped = EscapeXlsxText(name);
+  auto* const own = static_cast<char*>(std::malloc(escaped.size() + 1));
   if (own == nullptr) {
     throw std::bad_alloc();
   }
+  std::memcpy(own, escaped.c_str(), escaped.size() + 1);
   std::free(sheet.name);
   sheet.name = own;  // the library frees it
 }
@@ -338,6 +266,36 @@ void WriteSheets(const Workbook& workbook, lxw_workbook& file, const std::string
   }
 }
 
+void WriteInPlace(const Workbook& workbook, const std::string& path,
+                  const std::function<void()>& check_stop) {
+  const std::filesystem::path target = BehindLinks(path);
+  CheckPlace(target, path);
+  platform::PartialFile partial(target.string());
+  std::unique_ptr<lxw_workbook, FreeWorkbook> file(workbook_new(partial.CPath().c_str()));
+  if (!file) {
+    RaiseWriteError(path, "out of memory");
+  }
+  lxw_doc_properties properties{};
+  properties.created = kCreated;
+  Check(workbook_set_properties(file.get(), &properties), path, "properties");
+  WriteSheets(workbook, *file, path, check_stop);
+  check_stop();
+  {
+    // The library prints its errors, beside giving them back.
+    const platform::SilentErrors silent;
+    Check(workbook_close(file.release()), path, "the file");
+  }
+  check_stop();
+  // The library does not notice when its own temporary files run out of space.
+  try {
+    ReadWorkbook(partial.path());
+  } catch (const platform::RuntimeError& error) {
+    RaiseWriteError(path, WithoutPrefix(error.text(), partial.path() + ": "));
+  }
+  check_stop();
+  partial.PutInPlace();
+}
+
 }  // namespace
 
 void WriteXlsx(const Workbook& workbook, const std::string& path,
@@ -350,29 +308,11 @@ void WriteXlsx(const Workbook& workbook, const std::string& path,
       throw platform::RuntimeError(kStoppedByUser, path + ": stopped by the user");
     }
   };
-  PartialFile partial(path);
-  std::unique_ptr<lxw_workbook, FreeWorkbook> file(workbook_new(partial.name().c_str()));
-  if (!file) {
-    RaiseWriteError(path, "out of memory");
-  }
-  lxw_doc_properties properties{};
-  properties.created = kCreated;
-  Check(workbook_set_properties(file.get(), &properties), path, "properties");
-  WriteSheets(workbook, *file, path, check_stop);
-  check_stop();
-  {
-    const SilentErrors silent;
-    Check(workbook_close(file.release()), path, "the file");
-  }
-  check_stop();
-  // The library does not notice when its own temporary files run out of space.
   try {
-    ReadWorkbook(partial.name());
-  } catch (const platform::RuntimeError& error) {
-    RaiseWriteError(path, WithoutPrefix(error.text(), partial.name() + ": "));
+    WriteInPlace(workbook, path, check_stop);
+  } catch (const std::system_error& error) {
+    RaiseWriteError(path, error.code().message());
   }
-  check_stop();
-  partial.PutInPlace();
 }
 
 }  // namespace nimbrel::spreadsheet

@@ -1,12 +1,13 @@
 #include "tests/support/workbooks/test_files.h"
 
-#include <stdlib.h>
 #include <zip.h>
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+
+#include "platform/files.h"
 
 namespace nimbrel::spreadsheet {
 namespace {
@@ -33,9 +34,8 @@ void Require(bool condition) {
 }  // namespace
 
 TemporaryFolder::TemporaryFolder() {
-  std::string name = (std::filesystem::temp_directory_path() / "spreadsheet-XXXXXX").string();
-  Require(mkdtemp(name.data()) != nullptr);
-  path_ = name;
+  path_ =
+      platform::MakeNewFolder((std::filesystem::temp_directory_path() / "spreadsheet-").string());
 }
 
 TemporaryFolder::~TemporaryFolder() {
@@ -53,12 +53,12 @@ std::vector<std::string> TemporaryFolder::Names() const {
 }
 
 std::string ReadBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(std::filesystem::path(path), std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void WriteBytes(const std::string& path, std::string_view bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
+  std::ofstream(std::filesystem::path(path), std::ios::binary) << bytes;
 }
 
 namespace {
