@@ -22,7 +22,11 @@ InterruptWatch::InterruptWatch(const std::vector<int>& signals) {
   action.sa_flags = SA_RESTART;
   for (const int signal : signals) {
     struct sigaction before {};
-    sigaction(signal, &action, &before);
+    sigaction(signal, nullptr, &before);
+    if (signal == SIGHUP && before.sa_handler == SIG_IGN) {
+      continue;
+    }
+    sigaction(signal, &action, nullptr);
     before_.emplace_back(signal, before);
   }
 }

@@ -9,7 +9,8 @@ namespace nimbrel::cli {
 /// While it lives, an interrupt (Ctrl-C) does not end the process but is remembered. One at a time.
 class InterruptWatch {
  public:
-  /// `signals` are those that count as an interrupt.
+  /// `signals` are those that count as an interrupt. A hangup that the user has switched off
+  /// (nohup) stays off.
   explicit InterruptWatch(const std::vector<int>& signals = {SIGINT});
   ~InterruptWatch();
   InterruptWatch(const InterruptWatch&) = delete;
