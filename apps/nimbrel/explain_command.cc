@@ -25,17 +25,19 @@ struct Options : RunSetup {
 };
 
 /// The number of the iteration that is to be told; 0 where the user ended the run that it takes to
-/// find it.
+/// find it. `iterations` becomes the number that the run has, where that took a run.
 std::int32_t FindIteration(const Options& options, const engine::Plan& plan,
                            const engine::RunOptions& run, engine::RunWiring wiring,
-                           Console& console) {
-  if (options.iteration > 0) {
-    if (options.iteration > options.iterations) {
+                           std::int32_t& iterations, Console& console) {
+  const auto require_within = [&options](std::int32_t iterations) {
+    if (options.iteration > iterations) {
       throw BadCommandLine(
-          fmt::format("--iteration: expected 1 to {}, the run's iterations, found "
-                      "{}",
-                      options.iterations, options.iteration));
+          fmt::format("--iteration: expected 1 to {}, the run's iterations, found {}", iterations,
+                      options.iteration));
     }
+  };
+  require_within(options.iterations);
+  if (options.iteration > 0 && options.until == 0) {
     return options.iteration;
   }
   const InterruptWatch interrupt;
@@ -43,7 +45,13 @@ std::int32_t FindIteration(const Options& options, const engine::Plan& plan,
   wiring.cancelled = [&interrupt] { return interrupt.Raised(); };
   wiring.progress = [&bar](std::int32_t done, std::int32_t total) { bar.Show(done, total); };
   const engine::RunResult result = engine::RunForFinish(plan, run, wiring);
-  return result.stopped ? 0 : engine::IterationNearest(result, options.percentile);
+  if (result.stopped) {
+    return 0;
+  }
+  iterations = result.iterations();
+  require_within(iterations);
+  return options.iteration > 0 ? options.iteration
+                               : engine::IterationNearest(result, options.percentile);
 }
 
 ExitCode Explain(const Options& options, Console& console) {
@@ -55,9 +63,10 @@ ExitCode Explain(const Options& options, Console& console) {
   const engine::RunOptions run = ToRunOptions(options);
   const engine::RunWiring wiring = MakeRunWiring(HasWeather(options, plan));
   std::int32_t iteration = 0;
+  std::int32_t iterations = options.iterations;
   engine::IterationStory story;
   NamingThePlan(options, [&] {
-    iteration = FindIteration(options, plan, run, wiring, console);
+    iteration = FindIteration(options, plan, run, wiring, iterations, console);
     if (iteration > 0) {
       story = engine::TellIteration(plan, run, wiring, iteration);
     }
@@ -65,7 +74,7 @@ ExitCode Explain(const Options& options, Console& console) {
   if (iteration == 0) {
     return ExitCode::kStopped;
   }
-  const ExplainedRun explained{options.seed, options.iterations, options.percentile};
+  const ExplainedRun explained{options.seed, iterations, options.percentile};
   if (options.json) {
     ShowWarnings(document, console);
     console.out << StoryJson(plan, story, explained);
@@ -99,10 +108,11 @@ void AddExplainCommand(CLI::App& app, Console& console, Action& action) {
       "the\n"
       "run had. With Monte Carlo sampling the number of iterations makes no difference to a "
       "single\n"
-      "one.\n"
+      "one. With --percentile or --until the run is made again too, to see how far it goes.\n"
       "\n"
       "Examples:\n"
       "  nimbrel explain bridge.nplan --percentile 80\n"
+      "  nimbrel explain bridge.nplan --percentile 80 --until 3 --iterations 20000\n"
       "  nimbrel explain bridge.nplan --iteration 417 --seed 7 --json");
   command->callback([options, &console, &action] {
     action = [options, &console] { return Explain(*options, console); };

@@ -127,9 +127,23 @@ std::string WeatherText(const std::vector<WeatherOutcome>& outcomes) {
   return table.Text();
 }
 
+double DaysOf(const IterationStory::Push& push) {
+  return static_cast<double>(push.start.Minutes() - push.first_start.Minutes()) /
+         engine::kMinutesPerDay;
+}
+
+/// By how many days a task was pushed, "" if it was not.
+std::string PushText(const IterationStory& story, engine::Uid task) {
+  const auto push = std::find_if(story.pushed.begin(), story.pushed.end(),
+                                 [task](const IterationStory::Push& p) { return p.task == task; });
+  return push == story.pushed.end() ? "" : fmt::format("{:.1f} d", Rounded(DaysOf(*push), 1));
+}
+
+/// The days that tasks lost, and of those that had to be pushed how far: a task waits through its
+/// open days too for a stretch that is long enough.
 std::string HeldText(const Plan& plan, const IterationStory& story) {
-  TextTable table({kLeft, kLeft, kLeft, kLeft, kRight, kLeft});
-  table.AddRow({"Held up", "", "waiting from", "finished", "lost", "on, by"});
+  TextTable table({kLeft, kLeft, kLeft, kLeft, kRight, kRight, kLeft});
+  table.AddRow({"Held up", "", "waiting from", "finished", "lost", "pushed", "lost on, by"});
   table.AddRule();
   for (const IterationStory::Hold& hold : story.held) {
     std::vector<std::string> names;
@@ -139,26 +153,28 @@ std::string HeldText(const Plan& plan, const IterationStory& story) {
     table.AddRow({CutTo(TaskOf(plan, hold.task).id, 20),
                   CutTo(TaskOf(plan, hold.task).description, kNameWidth), IsoDay(hold.first_day),
                   DayText(hold.finish), fmt::format("{} d", hold.lost_days),
+                  PushText(story, hold.task),
                   fmt::format("{}; {}", RunsText(hold.lost), fmt::join(names, ", "))});
   }
   return table.Text();
 }
 
 std::string PushedText(const Plan& plan, const IterationStory& story) {
-  TextTable table({kLeft, kLeft, kLeft, kLeft, kLeft});
-  table.AddRow({"Pushed", "", "from", "to", "past"});
+  TextTable table({kLeft, kLeft, kLeft, kLeft, kRight, kLeft});
+  table.AddRow({"Pushed", "", "from", "to", "by", "past lost days"});
   table.AddRule();
   for (const IterationStory::Push& push : story.pushed) {
     table.AddRow({CutTo(TaskOf(plan, push.task).id, 20),
                   CutTo(TaskOf(plan, push.task).description, kNameWidth),
-                  DateText(push.first_start), DateText(push.start), RunsText(push.past)});
+                  DateText(push.first_start), DateText(push.start), PushText(story, push.task),
+                  RunsText(push.past)});
   }
   return table.Text();
 }
 
 std::string PathText(const Plan& plan, const IterationStory& story) {
-  TextTable table({kLeft, kLeft, kLeft, kLeft, kRight});
-  table.AddRow({"Driving path", "", "start", "finish", "lost"});
+  TextTable table({kLeft, kLeft, kLeft, kLeft, kRight, kRight});
+  table.AddRow({"Driving path", "", "start", "finish", "lost", "pushed"});
   table.AddRule();
   for (const IterationStory::Step& step : story.path) {
     const auto hold =
@@ -167,7 +183,8 @@ std::string PathText(const Plan& plan, const IterationStory& story) {
     table.AddRow({CutTo(TaskOf(plan, step.task).id, 20),
                   CutTo(TaskOf(plan, step.task).description, kNameWidth), DateText(step.start),
                   DateText(step.finish),
-                  hold == story.held.end() ? "" : fmt::format("{} d", hold->lost_days)});
+                  hold == story.held.end() ? "" : fmt::format("{} d", hold->lost_days),
+                  PushText(story, step.task)});
   }
   return table.Text();
 }
@@ -265,8 +282,7 @@ std::string StoryJson(const Plan& plan, const IterationStory& story, const Expla
     Json one = NamedJson(plan, push.task);
     one["from"] = DateJson(push.first_start);
     one["to"] = DateJson(push.start);
-    one["days"] =
-        Rounded(static_cast<double>(push.start.Minutes() - push.first_start.Minutes()) / 1440.0, 2);
+    one["days"] = Rounded(DaysOf(push), 2);
     one["past"] = DaysJson(push.past);
     json["pushed"].push_back(std::move(one));
   }

@@ -85,6 +85,9 @@ std::string CurveChart(const engine::RunDocument& document, const Terminal& term
     first = std::min(first, without->front().day);
     last = std::max(last, without->back().day);
   }
+  if (last - first == 1) {  // the curve begins a day before the first finish
+    return fmt::format("All iterations finish on {}.\n", IsoDay(last));
+  }
   const std::size_t columns =
       std::clamp<std::size_t>(static_cast<std::size_t>(terminal.columns) - 8, 32, kMostColumns);
   const bool blocks = ShowsBlocks(terminal);

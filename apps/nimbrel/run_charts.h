@@ -13,7 +13,8 @@ namespace nimbrel::cli {
 std::string Painted(const std::string& text, int colour, const Terminal& terminal);
 
 /// The share of the iterations that have finished over the days, as a curve of characters with and,
-/// where there is one, without weather. The document has at least one iteration.
+/// where there is one, without weather; a line of text where all finish on one day. The document
+/// has at least one iteration.
 std::string CurveChart(const engine::RunDocument& document, const Terminal& terminal);
 
 /// A value with a bar that goes to the right, or to the left if it is below 0.

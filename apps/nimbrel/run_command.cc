@@ -1,8 +1,6 @@
 #include <fmt/format.h>
 
-#include <cmath>
 #include <cstddef>
-#include <cstdlib>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -34,7 +32,6 @@ using engine::Plan;
 
 struct Options : RunSetup {
   bool compare = false;
-  double until = 0;
   bool attribute = false;
   std::vector<std::string> milestones;
   std::string json;
@@ -45,37 +42,26 @@ struct Options : RunSetup {
   bool quiet = false;
 };
 
-/// Accepts a number of days above 0.
-CLI::Validator PositiveDays() {
-  return {[](const std::string& text) {
-            char* end = nullptr;
-            const double days = std::strtod(text.c_str(), &end);
-            const bool is_number = !text.empty() && *end == '\0';
-            return is_number && std::isfinite(days) && days > 0
-                       ? std::string()
-                       : "expected a number of days above 0, found \"" + text + "\"";
-          },
-          ""};
-}
-
 engine::RunOptions OptionsFor(const Options& options, const Plan& plan) {
   engine::RunOptions run = ToRunOptions(options);
   run.asked = TasksNamed(plan, "--tasks", options.tasks);
   run.targets = TasksNamed(plan, "--milestone", options.milestones);
-  run.until_days = options.until;
   run.attribute = options.attribute;
   return run;
 }
 
 /// The options on which the results depend.
-engine::InputTable OptionsTable(const Options& options) {
+engine::InputTable OptionsTable(const Options& options, const Plan& plan) {
   const auto yes = [](bool is_on) { return std::string(is_on ? "yes" : "no"); };
+  const std::string weather = !options.weather_file.empty() ? "from a file"
+                              : IsWeatherPlan(plan)         ? "that of the plan"
+                                                            : "none: the plan has none";
   return {"Options",
           {"option", "value"},
           {{"--iterations", std::to_string(options.iterations)},
            {"--seed", std::to_string(options.seed)},
            {"--sampling", options.sampling},
-           {"--weather", options.weather_file.empty() ? "that of the plan" : "from a file"},
+           {"--weather", weather},
            {"--no-weather", yes(options.no_weather)},
            {"--compare", yes(options.compare)},
            {"--attribute", yes(options.attribute)},
@@ -113,8 +99,9 @@ RunReport Compute(const Options& options, const Plan& plan, const engine::RunOpt
     parts.p80_story = &story;
   }
   report.document = engine::MakeRunDocument(plan, parts);
+  report.document.chain.options = IterationOptions(options);
   report.document.inputs = InputTables(plan, report.weather);
-  report.document.inputs.insert(report.document.inputs.begin(), OptionsTable(options));
+  report.document.inputs.insert(report.document.inputs.begin(), OptionsTable(options, plan));
   return report;
 }
 
@@ -169,6 +156,12 @@ PendingFolder CsvFolder(const Options& options, const RunReport& report) {
   return {options.csv, files, CsvNames()};
 }
 
+/// Whether results go anywhere but to the text for people.
+bool WritesData(const Options& options) {
+  return !options.json.empty() || !options.samples.empty() || !options.csv.empty() ||
+         !options.report.empty();
+}
+
 ExitCode RunPlan(const Options& options, Console& console) {
   RequireOutputsApart(options);
   const PlanDocument document = OpenForRun(options);
@@ -206,6 +199,9 @@ ExitCode RunPlan(const Options& options, Console& console) {
     out << RunText(plan, report, run.asked, !options.quiet, console.terminal);
     FlushOutput(console);
   }
+  if (stopped && WritesData(options)) {
+    console.err << "nimbrel: stopped: no results were written, and no file has changed\n";
+  }
   for (PendingFolder& folder : folders) {
     folder.Commit();
   }
@@ -222,12 +218,6 @@ void DeclareRun(CLI::App& command, Options& options) {
       .add_flag("--compare", options.compare,
                 "Run the same samples with and without weather, and tell both")
       ->excludes(without);
-  command
-      .add_option("--until", options.until,
-                  "End the run when the 95% interval of the finish's P80 is at most so many days "
-                  "wide: after 200 iterations at the earliest, --iterations at the latest")
-      ->type_name("DAYS")
-      ->check(PositiveDays());
   command
       .add_flag("--attribute", options.attribute,
                 "Schedule each iteration with calendars left out too, and tell what each costs and "

@@ -162,6 +162,7 @@ Json LedgerJson(const RunDocument& document) {
   for (const engine::LedgerRow& row : document.ledger) {
     json.push_back({{"name", row.name},
                     {"kind", row.kind},
+                    {"tasks", row.tasks},
                     {"lost_days", Rounded(row.lost, 4)},
                     {"off_days", Rounded(row.off, 4)},
                     {"idle_days", Rounded(row.idle, 4)},
@@ -215,6 +216,7 @@ Json ChainJson(const engine::CriticalChain& chain) {
   Json json;
   json["iteration"] = chain.iteration;
   json["finish"] = DateJson(chain.finish);
+  json["options"] = chain.options;
   json["tasks"] = Json::array();
   for (const engine::ChainTask& task : chain.tasks) {
     Json one;

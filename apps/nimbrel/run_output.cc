@@ -179,7 +179,14 @@ std::string LedgerText(const engine::RunDocument& document) {
     }
     table.AddRow(std::move(cells));
   }
-  return table.Text();
+  std::string text = table.Text();
+  for (const engine::LedgerRow& line : document.ledger) {
+    if (line.tasks == 0) {
+      text += fmt::format("{} is assigned to no task: all its days count as no work anyway.\n",
+                          line.name);
+    }
+  }
+  return text;
 }
 
 /// The tasks that bear most on a target by cruciality: bars of their sensitivity, the longest
@@ -195,21 +202,30 @@ std::string SensitivityText(const engine::Sensitivity& target, const Terminal& t
   std::stable_sort(bars.begin(), bars.end(), [](const TornadoBar& a, const TornadoBar& b) {
     return std::abs(a.value) > std::abs(b.value);
   });
-  return bars.empty()
-             ? ""
-             : "\n" + TornadoChart("What drives " +
-                                       (target.id.empty() ? std::string("the finish") : target.id) +
-                                       ": correlation of duration and finish",
-                                   bars, terminal);
+  if (bars.empty()) {
+    return "";
+  }
+  const std::string title = fmt::format(
+      "What drives {}: correlation of duration and finish\n({}, those that correlate most first)",
+      target.id.empty() ? "the finish" : target.id,
+      bars.size() == 1 ? "the only task that does"
+                       : fmt::format("the {} tasks of the greatest cruciality", bars.size()));
+  return "\n" + TornadoChart(title, bars, terminal);
 }
 
-std::string UntilLine(const engine::UntilOutcome& until) {
+std::string UntilLine(const engine::UntilOutcome& until, std::int32_t iterations) {
   if (std::isnan(until.width_days)) {
     return fmt::format("Too few iterations for a 95% interval of P80; {:g} days were asked for.\n",
                        until.days);
   }
+  const bool too_few = iterations < engine::kLeastUntilIterations;
   return fmt::format("The 95% interval of P80 is {} days wide; {:g} were asked for{}\n",
-                     Days(until.width_days), until.days, until.met ? "." : ", and not reached.");
+                     Days(until.width_days), until.days,
+                     until.met ? "."
+                     : too_few
+                         ? fmt::format(", of {} iterations at least; the run ended at its {}.",
+                                       engine::kLeastUntilIterations, iterations)
+                         : ", and not reached.");
 }
 
 /// A percentile of a date with its interval, if it has one: "2027-08-18 (08-17 .. 08-21)".
@@ -285,7 +301,7 @@ std::string RunText(const Plan& plan, const RunReport& report,
     text += DelayLine(*report.document.weather_delay);
   }
   if (report.document.choices.until.has_value() && run.iterations() > 0) {
-    text += UntilLine(*report.document.choices.until);
+    text += UntilLine(*report.document.choices.until, run.iterations());
   }
   if (chart && run.iterations() > 0) {
     text += "\n" + CurveChart(report.document, terminal);

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
@@ -15,6 +17,31 @@
 #include "platform/runtime_error.h"
 
 namespace nimbrel::cli {
+namespace {
+
+/// Accepts a number of days above 0.
+CLI::Validator PositiveDays() {
+  return {[](const std::string& text) {
+            char* end = nullptr;
+            const double days = std::strtod(text.c_str(), &end);
+            const bool is_number = !text.empty() && *end == '\0';
+            return is_number && std::isfinite(days) && days > 0
+                       ? std::string()
+                       : "expected a number of days above 0, found \"" + text + "\"";
+          },
+          ""};
+}
+
+/// A word as a POSIX shell takes it for one.
+std::string ShellWord(const std::string& word) {
+  std::string quoted = "'";
+  for (const char c : word) {
+    quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  }
+  return quoted + "'";
+}
+
+}  // namespace
 
 void AddRunSetup(CLI::App& command, RunSetup& setup, CLI::Option*& without) {
   command.add_option("PLAN", setup.plan, "The plan: .nplan, XER or MSPDI XML")->required();
@@ -45,6 +72,13 @@ void AddRunSetup(CLI::App& command, RunSetup& setup, CLI::Option*& without) {
                   "How values are sampled: mc (Monte Carlo) or lhs (Latin hypercube)")
       ->type_name("METHOD")
       ->check(OneOf({"mc", "lhs"}));
+  command
+      .add_option("--until", setup.until,
+                  "The run ends when the 95% interval of the finish's P80 is at most so many days "
+                  "wide, which is looked at after 256 iterations for the first time; --iterations "
+                  "are the most")
+      ->type_name("DAYS")
+      ->check(PositiveDays());
   AddReadingOptions(command, setup.reading);
 }
 
@@ -70,9 +104,31 @@ engine::RunOptions ToRunOptions(const RunSetup& setup) {
     run.workers =
         std::min<std::int32_t>(static_cast<std::int32_t>(processors), engine::kMaxWorkers);
   }
+  run.until_days = setup.until;
   run.sampling =
       setup.sampling == "lhs" ? engine::Sampling::kLatinHypercube : engine::Sampling::kMonteCarlo;
   return run;
+}
+
+std::string IterationOptions(const RunSetup& setup) {
+  std::string options = fmt::format("--seed {} --sampling {} --iterations {}", setup.seed,
+                                    setup.sampling, setup.iterations);
+  if (setup.until > 0) {
+    options += fmt::format(" --until {}", setup.until);
+  }
+  if (!setup.weather_file.empty()) {
+    options += " --weather WEATHER.json";
+  }
+  if (setup.no_weather) {
+    options += " --no-weather";
+  }
+  if (!setup.reading.project.empty()) {
+    options += " --project " + ShellWord(setup.reading.project);
+  }
+  if (!setup.reading.time_unit.empty()) {
+    options += " --time-unit " + setup.reading.time_unit;
+  }
+  return options;
 }
 
 void NamingThePlan(const RunSetup& setup, const std::function<void()>& step) {

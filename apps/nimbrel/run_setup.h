@@ -21,11 +21,12 @@ struct RunSetup {
   std::uint64_t seed = 1;
   std::int32_t workers = 0;  // 0: as many as there are processors
   std::string sampling = "mc";
+  double until = 0;  // 0: all iterations
   ReadingChoice reading;
 };
 
-/// Declares PLAN, --weather, --no-weather, --iterations, --seed, --workers, --sampling and the
-/// options of reading. `without` becomes the option --no-weather.
+/// Declares PLAN, --weather, --no-weather, --iterations, --seed, --workers, --sampling, --until and
+/// the options of reading. `without` becomes the option --no-weather.
 void AddRunSetup(CLI::App& command, RunSetup& setup, CLI::Option*& without);
 
 /// Opens the plan and puts the weather of --weather into it. Raises as these do.
@@ -35,6 +36,11 @@ PlanDocument OpenForRun(const RunSetup& setup);
 bool HasWeather(const RunSetup& setup, const engine::Plan& plan);
 
 engine::RunOptions ToRunOptions(const RunSetup& setup);
+
+/// The options that a run's iterations depend on, as they are written after `nimbrel explain PLAN
+/// --iteration K`. A weather file is called WEATHER.json, since plans and files have other places
+/// elsewhere.
+std::string IterationOptions(const RunSetup& setup);
 
 /// Does something with a run of the plan; errors of the plan are told by its file. Raises
 /// CommandError (the input is bad).

@@ -200,10 +200,11 @@ ResultTable AttributionTable(const engine::Attribution& attribution) {
 
 ResultTable LedgerTable(const RunDocument& document) {
   ResultTable table{
-      "ledger", {"calendar", "kind", "lost", "off", "idle", "absorbed", "moving"}, {}};
+      "ledger", {"calendar", "kind", "tasks", "lost", "off", "idle", "absorbed", "moving"}, {}};
   for (const engine::LedgerRow& row : document.ledger) {
-    table.rows.push_back({row.name, row.kind, Number(row.lost, 4), Number(row.off, 4),
-                          Number(row.idle, 4), Number(row.absorbed, 4), Number(row.moving, 4)});
+    table.rows.push_back({row.name, row.kind, std::to_string(row.tasks), Number(row.lost, 4),
+                          Number(row.off, 4), Number(row.idle, 4), Number(row.absorbed, 4),
+                          Number(row.moving, 4)});
   }
   return table;
 }

@@ -194,9 +194,11 @@ ExitCode Import(const Options& options, Console& console) {
   }
   RequireFreeNames(options, document.plan, dialog->document());
   WarnOfMarkers(options, watch, console);
-  console.out << WeatherSummary(options.plan, dialog->document());
+  engine::Plan plan = dialog->document();
+  NameWeatherStreams(plan, document.plan);
+  console.out << WeatherSummary(options.plan, plan);
   FlushOutput(console);
-  SaveChanges(dialog->document(), document);
+  SaveChanges(plan, document);
   return ExitCode::kDone;
 }
 

@@ -92,6 +92,12 @@ std::string WorkOn(const engine::Plan& plan, engine::Uid calendar);
 /// user's own, and dates that the plan's date format cannot hold.
 void SetWeather(engine::Plan& plan, const Weather& weather, const std::string& file);
 
+/// Names the random streams of the weather tasks that `plan` has and `before` has not: by their
+/// role, the name of their calendar and their number on it, so that the same weather is sampled the
+/// same however often it is set anew, and a period that is changed leaves the samples of the others
+/// as they were. No two tasks of the plan share one.
+void NameWeatherStreams(engine::Plan& plan, const engine::Plan& before);
+
 /// Reads a weather file and sets it. Raises CommandError also if the file cannot be read.
 void SetWeatherFromFile(engine::Plan& plan, const std::string& path);
 

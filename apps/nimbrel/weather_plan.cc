@@ -426,6 +426,12 @@ void RequireDatesKept(const Weather& stored, const Weather& weather, const std::
   }
 }
 
+/// The stream of a weather task by what it is. The top bit sets it apart from small numbers.
+std::uint64_t WeatherStream(const std::string& what, int attempt) {
+  return engine::StreamOfId(fmt::format("weather {} {}", attempt, what)) |
+         (std::uint64_t{1} << 63U);
+}
+
 }  // namespace
 
 std::string WorkOn(const Plan& plan, Uid calendar) {
@@ -467,16 +473,45 @@ Weather ReadWeather(const Plan& plan) {
 
 void SetWeather(Plan& plan, const Weather& weather, const std::string& file) {
   RequireFreeNames(plan, weather, file);
-  Plan next = plan;
-  ClearWeather(next, file);
+  Plan cleared = plan;
+  ClearWeather(cleared, file);
+  Plan next;
   try {
-    next = WeatherWriter(next, file).Write(weather);
+    next = WeatherWriter(cleared, file).Write(weather);
   } catch (const platform::RuntimeError& error) {
     throw BadInput(
         fmt::format("{}: expected weather that the plan can store, found: {}", file, error.what()));
   }
   RequireDatesKept(ReadWeather(next), weather, file);
+  NameWeatherStreams(next, cleared);
   plan = std::move(next);
+}
+
+void NameWeatherStreams(Plan& plan, const Plan& before) {
+  std::unordered_set<std::uint64_t> taken;
+  std::vector<std::pair<Uid, std::string>> fresh;  // and what the task is
+  std::map<std::string, int> numbers;              // of the tasks of one role on one calendar
+  for (const Task& task : plan.tasks()) {
+    const CalendarDefinition* calendar =
+        CarriesWeather(task) ? plan.FindCalendar(task.calendar) : nullptr;
+    std::string what;
+    if (calendar != nullptr) {
+      what = WeatherRole(task) + " " + platform::FoldCase(calendar->name);
+      what = fmt::format("{} {}", ++numbers[what], what);
+    }
+    if (calendar == nullptr || before.FindTask(task.uid) != nullptr) {
+      taken.insert(task.stream);
+    } else {
+      fresh.emplace_back(task.uid, std::move(what));
+    }
+  }
+  for (const auto& [uid, what] : fresh) {
+    std::uint64_t stream = WeatherStream(what, 0);
+    for (int attempt = 1; !taken.insert(stream).second; ++attempt) {
+      stream = WeatherStream(what, attempt);
+    }
+    plan.FindTask(uid)->stream = stream;
+  }
 }
 
 void SetWeatherFromFile(Plan& plan, const std::string& path) {

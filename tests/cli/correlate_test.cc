@@ -68,6 +68,23 @@ TEST_F(CorrelateTest, AMatrixThatIsRepairedIsSaidSo) {
               HasSubstr("-0.90 became -0.48"));
 }
 
+TEST_F(CorrelateTest, ARepairedMatrixOfWeatherNamesPeriodsAndTheirCalendars) {
+  const std::string plan = ChainPlan();
+  std::string events;
+  for (const char* name : {"SEA", "WIND", "RAIN"}) {
+    events += std::string(events.empty() ? "" : ",") + R"({ "calendar": ")" + name +
+              R"(", "periods": [ { "description": "March", "start": "2027-03-01",
+                 "finish": "2027-03-20", "probability": 0.5, "min": 2, "likely": 2, "max": 2 } ] })";
+  }
+  Output({"weather", "set", plan, Write("w.json", R"({ "events": [)" + events + R"(],
+    "assign": [ { "tasks": ["A"], "calendars": ["SEA", "WIND", "RAIN"] } ] })")});
+  const std::string file = Write("c.json", R"({ "weather": [
+    { "calendars": ["SEA", "WIND", "RAIN"], "coefficient": -0.9 } ] })");
+  EXPECT_THAT(Output({"correlate", plan, "--apply", file}),
+              ::testing::AllOf(HasSubstr("the occurrences of 3 weather periods are no"),
+                               HasSubstr("\"March\" of SEA with \"March\" of WIND, -0.90")));
+}
+
 TEST_F(CorrelateTest, BadInputIsOneLineWithItsPath) {
   const std::string plan = TwoCalendars();
   ExpectBad(plan, R"({"durations": [{"tasks": ["A", "B"], "coefficient": 1.5}]})",

@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -48,6 +49,54 @@ TEST_F(ExplainTest, PicksTheIterationOfAPercentile) {
   const Json story = Story({plan, "--percentile", "80", "--iterations", "40"});
   EXPECT_EQ(story["finish"], run["finish"]["p80"]);
   EXPECT_EQ(story["iteration"], run["critical_chain"]["iteration"]);
+}
+
+TEST_F(ExplainTest, FindsThePercentileOfARunThatEndedEarly) {
+  const std::string plan = WeatherPlan();
+  const std::vector<std::string> options = {"--until", "30",         "--iterations",
+                                            "5000",    "--sampling", "lhs"};
+  const auto with = [&options](std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return arguments;
+  };
+  Output(with({"run", plan, "--json", Path("r.json")}));
+  const Json run = Json::parse(Read(Path("r.json")));
+  ASSERT_EQ(run["iterations"], 256);
+  const Json story = Story(with({plan, "--percentile", "80"}));
+  EXPECT_EQ(story["iteration"], run["critical_chain"]["iteration"]);
+  EXPECT_EQ(story["finish"], run["finish"]["p80"]);
+  EXPECT_EQ(story["iterations"], 256);
+  EXPECT_EQ(Story(with({plan, "--iteration", "256"}))["iteration"], 256);
+  ExpectFailure(with({"explain", plan, "--iteration", "257"}), 2,
+                "--iteration: expected 1 to 256, the run's iterations, found 257");
+  ExpectFailure({"explain", plan, "--percentile", "80", "--until", "0"}, 2,
+                "expected a number of days above 0");
+}
+
+TEST_F(ExplainTest, TellsByHowMuchATaskWasPushed) {
+  // C takes five days and must not be split. It would start on Monday 22 March; of its days the
+  // Wednesday is lost, so that the next Monday is the first day from which it has five in a row.
+  const std::string plan = ChainPlan();
+  Output({"weather", "set", plan, Write("push.json", R"({
+    "events": [ { "calendar": "GALE", "periods": [ { "description": "One day",
+      "start": "2027-03-24", "finish": "2027-03-24", "probability": 1.0,
+      "min": 1, "likely": 1, "max": 1 } ] } ],
+    "windows": [],
+    "assign": [ { "tasks": ["C"], "calendars": ["GALE"], "nosplit": true } ] })")});
+  const Json story = Story({plan, "--iteration", "1"});
+  ASSERT_EQ(story["pushed"].size(), 1U);
+  const Json days = story["pushed"][0]["days"];
+  EXPECT_GT(days, 0);
+  const std::string text = Output({"explain", plan, "--iteration", "1"});
+  const auto row_after = [&text](const std::string& title) {
+    const std::size_t row = text.find("Lift the roof", text.find("\n" + title));
+    return text.substr(row, text.find('\n', row) - row);
+  };
+  const std::string shown = fmt::format("{:.1f} d", days.get<double>());
+  for (const char* table : {"Held up", "Pushed", "Driving path"}) {
+    EXPECT_THAT(row_after(table), HasSubstr(" " + shown)) << text;
+  }
+  EXPECT_THAT(row_after("Held up"), HasSubstr(" 1 d  "));
 }
 
 TEST_F(ExplainTest, TellsPeriodsAndWhatTheyHeldUp) {

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -25,9 +26,12 @@ using ::testing::Not;
 /// The program, started with its standard output and error on descriptors.
 class Child {
  public:
-  Child(const std::vector<std::string>& arguments, int out, int err) {
+  /// `hangup` is what a hangup does to it: SIG_DFL, or SIG_IGN as under nohup.
+  Child(const std::vector<std::string>& arguments, int out, int err,
+        sighandler_t hangup = SIG_DFL) {
     pid_ = ::fork();
     if (pid_ == 0) {
+      ::signal(SIGHUP, hangup);
       ::dup2(out, STDOUT_FILENO);
       ::dup2(err, STDERR_FILENO);
       std::vector<char*> argv = {const_cast<char*>(NIMBREL_PROGRAM)};
@@ -49,6 +53,20 @@ class Child {
   Child& operator=(const Child&) = delete;
 
   void Interrupt(int signal = SIGINT) const { ::kill(pid_, signal); }
+
+  /// Waits until the program has started processes of its own.
+  void AwaitWorkers() const {
+    const std::string id = std::to_string(pid_);
+    const std::string list = "/proc/" + id + "/task/" + id + "/children";
+    for (int tries = 0; tries < 60'000; ++tries) {
+      std::string child;
+      if (std::ifstream(list) >> child) {
+        return;
+      }
+      ::usleep(1'000);
+    }
+    FAIL() << "no worker is started";
+  }
 
   /// The exit code, or 1000 and the number of the signal that ended it.
   int Wait() {
@@ -90,8 +108,10 @@ TEST_F(ProcessTest, AnInterruptedRunTellsWhatWasDoneWritesNoFileAndExitsWith130)
     drawn.append(buffer, static_cast<std::size_t>(count));
   }
   child.Interrupt();
-  while (::read(terminal, buffer, sizeof buffer) > 0) {
+  for (ssize_t count = 0; (count = ::read(terminal, buffer, sizeof buffer)) > 0;) {
+    drawn.append(buffer, static_cast<std::size_t>(count));
   }
+  EXPECT_THAT(drawn, HasSubstr("nimbrel: stopped: no results were written"));
   EXPECT_EQ(child.Wait(), 130);
 
   std::string text(1 << 16, '\0');
@@ -102,8 +122,26 @@ TEST_F(ProcessTest, AnInterruptedRunTellsWhatWasDoneWritesNoFileAndExitsWith130)
   ::close(terminal);
 }
 
+TEST_F(ProcessTest, AnInterruptedRunThatWasToWriteDataSaysThatItHasNotWithoutATerminalToo) {
+  const std::string plan = WeatherPlan();
+  const int out = ::memfd_create("out", MFD_CLOEXEC);
+  const int err = ::memfd_create("err", MFD_CLOEXEC);
+  Child child({"run", plan, "--iterations", "1000000", "--workers", "2", "--quiet", "--json", "-"},
+              out, err);
+  child.AwaitWorkers();
+  child.Interrupt();
+  EXPECT_EQ(child.Wait(), 130);
+  EXPECT_EQ(::lseek(out, 0, SEEK_END), 0);
+  std::string text(1 << 16, '\0');
+  text.resize(static_cast<std::size_t>(::pread(err, text.data(), text.size(), 0)));
+  EXPECT_THAT(text, ::testing::EndsWith(
+                        "nimbrel: stopped: no results were written, and no file has changed\n"));
+  ::close(out);
+  ::close(err);
+}
+
 /// A process that is told to stop while it is writing: when that is, its part of a file tells.
-class StoppedExportTest : public ProcessTest, public ::testing::WithParamInterface<int> {
+class LargeExportTest : public ProcessTest {
  protected:
   /// A plan of many calendars, which take a while to write.
   std::string LargePlan() {
@@ -136,6 +174,8 @@ class StoppedExportTest : public ProcessTest, public ::testing::WithParamInterfa
   }
 };
 
+class StoppedExportTest : public LargeExportTest, public ::testing::WithParamInterface<int> {};
+
 TEST_P(StoppedExportTest, LeavesTheOldWorkbookAndNothingElse) {
   const std::string plan = LargePlan();
   Write("out.xlsx", "old");
@@ -161,6 +201,19 @@ INSTANTIATE_TEST_SUITE_P(Signals, StoppedExportTest, ::testing::Values(SIGINT, S
                                   : info.param == SIGTERM ? "Terminate"
                                                           : "HangUp";
                          });
+
+TEST_F(LargeExportTest, GoesOnAfterAHangupThatIsSwitchedOff) {
+  const std::string plan = LargePlan();
+  const int out = OpenToWrite("out.txt");
+  const int err = OpenToWrite("err.txt");
+  Child child({"weather", "export", plan, "-o", Path("out.xlsx")}, out, err, SIG_IGN);
+  ::close(out);
+  ::close(err);
+  AwaitPart();
+  child.Interrupt(SIGHUP);
+  EXPECT_EQ(child.Wait(), 0);
+  EXPECT_EQ(Read(Path("out.txt")), Path("out.xlsx") + ": 300 weather calendars\n");
+}
 
 TEST_F(ProcessTest, AClosedPipeIsFileTroubleAndNotASignal) {
   const std::string plan = WeatherPlan();

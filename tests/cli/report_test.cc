@@ -4,12 +4,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
+#include <functional>
 #include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -227,6 +230,105 @@ TEST_F(ReportTest, OfARunWithoutWeatherHasNoneOfIt) {
   EXPECT_THAT(page, HasSubstr("The run had no weather."));
   EXPECT_THAT(page, Not(HasSubstr("<section id=\"season\"")));
   EXPECT_THAT(page, Not(HasSubstr("data-chart=\"cost\"")));
+}
+
+/// Runs what the report says to run, on the plan and the weather file of the run.
+Json StoryOfThePage(const std::string& page, const std::string& plan, const std::string& weather,
+                    const std::function<std::string(const std::vector<std::string>&)>& run) {
+  const std::string begin = "<code>nimbrel explain ";
+  const std::size_t at = page.find(begin) + 14;
+  std::istringstream command(TextOf(page.substr(at, page.find("</code>", at) - at)));
+  std::vector<std::string> arguments;
+  for (std::string word; command >> word;) {
+    arguments.push_back(word == "PLAN" ? plan : word == "WEATHER.json" ? weather : word);
+  }
+  arguments.emplace_back("--json");
+  return Json::parse(run(arguments));
+}
+
+TEST_F(ReportTest, ItsCommandTellsTheIterationThatItShows) {
+  const std::string plan = WeatherPlan();
+  const std::string weather = Write("other.json", R"({
+    "events": [ { "calendar": "RAIN", "periods": [ { "description": "Spring",
+      "start": "2027-03-01", "finish": "2027-04-10", "probability": 1.0,
+      "min": 2, "likely": 6, "max": 20 } ] } ],
+    "windows": [], "assign": [ { "match": "*", "calendars": ["RAIN"], "nosplit": false } ] })");
+  const std::vector<std::vector<std::string>> runs = {
+      {"--seed", "7", "--sampling", "lhs", "--iterations", "60", "--weather", weather},
+      {"--seed", "7", "--sampling", "lhs", "--iterations", "900", "--until", "4"},
+      {"--seed", "18446744073709551615", "--iterations", "50", "--no-weather"},
+      {"--seed", "3", "--compare", "--attribute", "--iterations", "40"}};
+  for (std::vector<std::string> options : runs) {
+    options.insert(options.begin(), plan);
+    const std::string page = Page(options);
+    const Json story = StoryOfThePage(
+        page, plan, weather,
+        [this](const std::vector<std::string>& arguments) { return Output(arguments); });
+    EXPECT_EQ(story["finish"], json["critical_chain"]["finish"]) << options[2];
+    EXPECT_EQ(story["iteration"], json["critical_chain"]["iteration"]);
+    const Json plain = Json::parse(Output(
+        {"explain", plan, "--iteration", std::to_string(story["iteration"].get<int>()), "--json"}));
+    EXPECT_NE(plain["finish"], story["finish"]) << "the options make no difference";
+  }
+}
+
+TEST_F(ReportTest, OfAPlanOfAnotherProgramNamesHowItWasRead) {
+  const std::string plan = ChainXer();
+  const std::string page = Page({plan, "--time-unit", "hours", "--project", "chain"});
+  const Json story =
+      StoryOfThePage(page, plan, "", [this](const std::vector<std::string>& arguments) {
+        std::vector<std::string> words = arguments;
+        std::erase(words, "'chain'");
+        words.insert(std::find(words.begin(), words.end(), "--project") + 1, "chain");
+        EXPECT_THAT(words, ::testing::Contains("hours"));
+        return Output(words);
+      });
+  EXPECT_EQ(story["finish"], json["critical_chain"]["finish"]);
+}
+
+TEST_F(ReportTest, CallsNothingAChanceThatTooFewIterationsTell) {
+  const std::string plan = WeatherPlan();
+  const std::string few = Page({plan, "--compare", "--iterations", "16"});
+  EXPECT_THAT(few, Not(HasSubstr("there is a chance of 80% that the plan is finished by")));
+  EXPECT_THAT(TextOf(few), HasSubstr("16 iterations are too few to say by when"));
+  EXPECT_THAT(Page({plan, "--compare", "--iterations", "17"}),
+              HasSubstr("there is a chance of 80% that the plan is finished by"));
+}
+
+TEST_F(ReportTest, CountsOneThingAsOne) {
+  const std::string plan = Path("one.nplan");
+  Output({"import", Write("one.xer", MakeChainXer({{"A", "Dig", 40}})), "-o", plan});
+  Output({"ranges", plan, "--default", "80,100,140"});
+  const std::string page = Page({plan, "--iterations", "40"});
+  EXPECT_THAT(page, HasSubstr("Table of 1 task<"));
+  EXPECT_THAT(page, HasSubstr("The only task that drives it."));
+  EXPECT_EQ(page.find("1 tasks"), std::string::npos);
+  EXPECT_EQ(page.find("1 rows"), std::string::npos);
+  EXPECT_EQ(json["inputs"][0]["rows"][3], (Json{"--weather", "none: the plan has none"}));
+}
+
+TEST_F(ReportTest, TellsHowManyHaveFinishedWhereTheMarkStands) {
+  // All iterations of a plan without ranges finish on one day.
+  const std::string page = Page({ChainPlan(), "--iterations", "40"});
+  EXPECT_THAT(TextOf(page), HasSubstr("it is higher than 80%, here 100.0%."));
+  EXPECT_THAT(TextOf(Page({WeatherPlan(), "--compare", "--iterations", "40"})),
+              ::testing::ContainsRegex("here [0-9.]+% with weather, [0-9.]+% without\\."));
+}
+
+TEST_F(ReportTest, NamesCalendarsThatNobodyHas) {
+  const std::string plan = ChainPlan();
+  Output({"weather", "set", plan, Write("alone.json", R"({
+    "events": [ { "calendar": "FAR OFF", "periods": [ { "description": "March",
+      "start": "2027-03-01", "finish": "2027-03-14", "probability": 1.0,
+      "min": 2, "likely": 2, "max": 2 } ] } ], "windows": [], "assign": [] })")});
+  const std::string note = "FAR OFF is assigned to no task: all its days count as no work anyway.";
+  EXPECT_THAT(TextOf(Page({plan, "--attribute", "--iterations", "20"})), HasSubstr(note));
+  EXPECT_EQ(json["ledger"][0]["tasks"], 0);
+  EXPECT_THAT(Output({"run", plan, "--attribute", "--iterations", "20"}), HasSubstr(note));
+  const std::string assigned = WeatherPlan();
+  EXPECT_THAT(TextOf(Page({assigned, "--attribute", "--iterations", "20"})),
+              Not(HasSubstr("is assigned to no task")));
+  EXPECT_EQ(json["ledger"][0]["tasks"], 3);
 }
 
 TEST_F(ReportTest, OfOneIterationHasNoIntervals) {

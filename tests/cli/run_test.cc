@@ -367,6 +367,33 @@ TEST_F(RunTest, UntilEndsTheRunAndSaysHowWideTheIntervalIs) {
   }
 }
 
+TEST_F(RunTest, UntilIsNotMetByFewerIterationsThanItAsksFor) {
+  const std::string plan = WeatherPlan();
+  const std::string text =
+      Output({"run", plan, "--until", "1000", "--iterations", "150", "--json", Path("r.json")});
+  EXPECT_THAT(text, HasSubstr("1000 were asked for, of 200 iterations at least; the run ended at "
+                              "its 150."));
+  const Json json = Json::parse(Read(Path("r.json")));
+  EXPECT_EQ(json["until"]["met"], false);
+  EXPECT_THAT(json["warnings"].dump(), HasSubstr("The run ended at its 150 iterations"));
+  EXPECT_THAT(Output({"run", plan, "--until", "1000", "--iterations", "200"}),
+              HasSubstr("1000 were asked for.\n"));
+  EXPECT_THAT(Output({"run", "--help"}), HasSubstr("256"));
+}
+
+TEST_F(RunTest, ASingleFinishDateIsALineAndNoCurve) {
+  const std::string text = Output({"run", ChainPlan(), "--iterations", "20"});
+  EXPECT_THAT(text, HasSubstr("\nAll iterations finish on 2027-03-26.\n"));
+  EXPECT_THAT(text, Not(HasSubstr("100% |")));
+  EXPECT_THAT(Output({"run", WeatherPlan(), "--iterations", "20"}), HasSubstr("100% |"));
+}
+
+TEST_F(RunTest, TheDriversAreCalledWhatTheyWerePickedBy) {
+  EXPECT_THAT(Output({"run", WeatherPlan(), "--iterations", "30"}),
+              HasSubstr("What drives the finish: correlation of duration and finish\n(the 3 tasks "
+                        "of the greatest cruciality, those that correlate most first)\n"));
+}
+
 TEST_F(RunTest, LatinHypercubeIsTheSameForAnyNumberOfWorkers) {
   const std::string plan = WeatherPlan();
   const auto bytes = [&](const std::string& workers) {
@@ -398,7 +425,7 @@ TEST_F(RunTest, CsvFolderHasTheTablesAndIsReplacedWhole) {
   const std::string finish = Read(folder + "/finish.csv");
   EXPECT_THAT(finish, ::testing::StartsWith("run,mean,sd_days,min,max,p10,p10_low,p10_high,"));
   EXPECT_THAT(finish, HasSubstr("\nwith weather,2027-"));
-  EXPECT_THAT(Read(folder + "/ledger.csv"), HasSubstr("\nSTORM,event,2,"));
+  EXPECT_THAT(Read(folder + "/ledger.csv"), HasSubstr("\nSTORM,event,3,2,"));
   EXPECT_THAT(Read(folder + "/attribution.csv"), HasSubstr("STORM,left out,"));
   // A run that has fewer tables leaves none of the former ones behind.
   Output({"run", plan, "--iterations", "40", "--csv", folder + "/"});

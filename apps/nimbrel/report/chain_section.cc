@@ -206,10 +206,11 @@ std::string ChainSection(const Figures& figures, const FinishPlaces& places) {
       fmt::format(
           "<p>One iteration in full: number {}, the first that finishes on the P80, {}. Each task "
           "begins or ends by the one above it; the last one ends the plan. <code>nimbrel explain "
-          "PLAN --iteration {}</code> tells all of it.</p>\n",
+          "PLAN --iteration {} {}</code> tells all of it.</p>\n",
           figures.Show("/critical_chain/iteration", Form::kCount),
           figures.Show("/critical_chain/finish", Form::kLongFinish),
-          figures.Plain("/critical_chain/iteration", Form::kText)) +
+          figures.Plain("/critical_chain/iteration", Form::kText),
+          figures.Show("/critical_chain/options", Form::kText)) +
           "<figure>" + Gantt(figures, shown) + "<figcaption>" +
           (places.weather
                ? "<span class=\"key work\"></span> from start to finish <span class=\"key "

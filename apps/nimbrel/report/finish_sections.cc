@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "engine/results/run_document.h"
 #include "nimbrel/report/sections.h"
+#include "nimbrel/weather_json.h"
 
 namespace nimbrel::cli::report {
 namespace {
@@ -48,11 +50,18 @@ std::string Cards(const Figures& figures, const FinishPlaces& places) {
 }
 
 std::string InWords(const Figures& figures, const FinishPlaces& places) {
+  const bool is_sure = figures.Has(places.finish + "/p80_low");
+  const std::string way = places.weather ? "With its weather," : "Without weather,";
   std::string text =
-      fmt::format("<p class=\"lead\">{} there is a chance of 80% that the plan is finished by {}.",
-                  places.weather ? "With its weather," : "Without weather,",
-                  figures.Show(places.finish + "/p80", Form::kLongFinish));
-  if (places.weather && !places.without.empty()) {
+      is_sure
+          ? fmt::format(
+                "<p class=\"lead\">{} there is a chance of 80% that the plan is finished by {}.",
+                way, figures.Show(places.finish + "/p80", Form::kLongFinish))
+          : fmt::format(
+                "<p class=\"lead\">{} iterations are too few to say by when there is a chance "
+                "of 80% that the plan is finished.",
+                figures.Show("/iterations", Form::kCount));
+  if (is_sure && places.weather && !places.without.empty()) {
     text += fmt::format(" If no weather came in the way, it would be {}.",
                         figures.Show(places.without + "/p80", Form::kLongFinish));
   }
@@ -110,11 +119,15 @@ std::string UntilText(const Figures& figures) {
   if (!figures.Has("/until")) {
     return "";
   }
+  const bool too_few = figures.At("/iterations") < engine::kLeastUntilIterations;
   return fmt::format(
       "<p>The run was to go on until the 95% interval of P80 is {} days wide; it is {} days wide "
-      "after {} iterations.</p>\n",
+      "after {} iterations{}.</p>\n",
       figures.Show("/until/days", Form::kDays), figures.Show("/until/width_days", Form::kDays),
-      figures.Show("/iterations", Form::kCount));
+      figures.Show("/iterations", Form::kCount),
+      too_few ? fmt::format(", at which the run ended; {} at least would tell",
+                            engine::kLeastUntilIterations)
+              : "");
 }
 
 std::string CurveTable(const Figures& figures, const std::string& title, const std::string& place) {
@@ -153,6 +166,39 @@ std::string HistogramTable(const Figures& figures, const FinishPlaces& places) {
     table.AddRow(cells);
   }
   return table.Html();
+}
+
+/// Where the curve has its point of the day of a finish; "" if it has none, as a long curve may.
+std::string PointOf(const Figures& figures, const std::string& curve, const std::string& finish) {
+  const engine::Instant moment =
+      engine::ParseIsoText(figures.At(finish).get<std::string>()).AsFinish();
+  for (std::size_t i = 0; i < figures.CountAt(curve); ++i) {
+    const std::string point = fmt::format("{}/{}", curve, i);
+    if (figures.At(point + "/0") == IsoDay(moment.day())) {
+      return point;
+    }
+  }
+  return "";
+}
+
+/// What the curve's marks say, which may stand above 80%.
+std::string MarkText(const Figures& figures, const FinishPlaces& places) {
+  std::string text =
+      "A mark stands at P80, the first day by whose end at least 80% have finished: where many "
+      "iterations finish on that day it is higher than 80%";
+  const auto add = [&](const std::string& begin, const std::string& curve,
+                       const std::string& finish, const std::string& end) {
+    const std::string point = PointOf(figures, curve + "/curve", finish + "/p80");
+    if (!point.empty()) {
+      text += begin + figures.Show(point + "/1", Form::kFineShare) + end;
+    }
+  };
+  const bool both = !places.curve_without.empty();
+  add(", here ", places.curve_with, places.finish, both ? " with weather" : "");
+  if (both) {
+    add(", ", places.curve_without, places.without, " without");
+  }
+  return text + ".";
 }
 
 }  // namespace
@@ -222,7 +268,7 @@ std::string FinishSection(const Figures& figures, const FinishPlaces& places) {
               std::string("Read it from a date upwards: the curve’s height is the chance to "
                           "be finished by the end of that day. ") +
                   (both ? "The room between the two curves is what the weather takes. " : "") +
-                  "The marks stand at P80.",
+                  MarkText(figures, places),
               Behind("Numbers of the S-curve", curves + "</div>")) +
           "<h3>How often does each date come out?</h3>\n" +
           ChartFigure(

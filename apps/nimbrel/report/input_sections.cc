@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "nimbrel/command_line.h"
 #include "nimbrel/report/sections.h"
 
 namespace nimbrel::cli::report {
@@ -43,7 +45,10 @@ std::string InputPart(const Figures& figures, const std::string& place) {
   const std::string html = table.Html() + CutNote(shown, rows.size(), "rows", "inputs.csv");
   const std::string heading = fmt::format("<h3>{}</h3>\n", Escaped(title));
   return heading +
-         (rows.size() <= kOpenRows ? html : Behind(fmt::format("Table of {} rows", shown), html));
+         (rows.size() <= kOpenRows
+              ? html
+              : Behind("Table of " + Counted(static_cast<std::int64_t>(shown), "row", "rows"),
+                       html));
 }
 
 }  // namespace

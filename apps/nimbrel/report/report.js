@@ -104,16 +104,54 @@
       : run.attribution ? run.attribution.none.finish : null;
   const hasWithout = () => Boolean(run.weather && run.distribution.without_weather);
 
-  /** Draws vertical lines with labels, and where they cross their curve a dot. */
+  /** The boxes that a mark's label may have, those before that are read more easily. */
+  function* labelBoxes(mark, at, width, area) {
+    const sides = mark.side === 'left' ? [at - width - 7, at + 7] : [at + 7, at - width - 7];
+    const rooms = sides.filter((left) => left - 3 > area.left && left + width + 3 < area.right);
+    const first = mark.share === undefined ? area.top + 14 : area.bottom - 10;
+    const step = mark.share === undefined ? 20 : -20;
+    for (const left of rooms.length > 0 ? rooms : [Math.max(area.left, area.right - width)]) {
+      for (let i = 0; i * 20 < area.bottom - area.top - 20; ++i) {
+        const baseline = first + i * step;
+        yield {left: left - 3, right: left + width + 3, top: baseline - 13, bottom: baseline + 5, baseline};
+      }
+    }
+  }
+
+  /** Whether a line through points, in pixels, passes through a box. */
+  function crosses(line, box) {
+    const xs = [box.left, ...line.map((point) => point.x)
+      .filter((x) => x > box.left && x < box.right), box.right]
+      .filter((x) => x >= line[0].x && x <= line.at(-1).x);
+    const heights = xs.map((x) => heightAt(line, x));
+    return heights.length > 0 && Math.min(...heights) < box.bottom && Math.max(...heights) > box.top;
+  }
+
+  /** Draws vertical lines with labels, where no curve and no other label is if there is such a place,
+      and where they cross their curve a dot. */
   const marks = (list, colours) => ({
     id: 'marks',
     afterDatasetsDraw(chart) {
       const {ctx, chartArea: area, scales: {x, y}} = chart;
       ctx.save();
       ctx.font = `600 12px ${Chart.defaults.font.family}`;
-      for (const mark of list) {
-        const at = x.getPixelForValue(mark.day);
-        const top = mark.share === undefined ? area.top : y.getPixelForValue(mark.share);
+      const curves = chart.data.datasets.map((set) => set.data
+        .map((point) => ({x: x.getPixelForValue(point.x), y: y.getPixelForValue(point.y)})));
+      const places = list.map((mark) => ({
+        at: x.getPixelForValue(mark.day),
+        top: mark.share === undefined ? area.top : y.getPixelForValue(mark.share),
+      }));
+      const boxes = [];
+      list.forEach((mark, i) => {
+        const boxesOf = [...labelBoxes(mark, places[i].at, ctx.measureText(mark.text).width, area)];
+        const isFree = (box) => !curves.some((curve) => crosses(curve, box)) &&
+          !boxes.some((other) => other.left < box.right && other.right > box.left &&
+            other.top < box.bottom && other.bottom > box.top) &&
+          !places.some(({at, top}) => at > box.left && at < box.right && top < box.bottom);
+        boxes.push(boxesOf.find(isFree) || boxesOf[0]);
+      });
+      list.forEach((mark, i) => {
+        const {at, top} = places[i];
         ctx.strokeStyle = mark.colour;
         ctx.setLineDash(mark.share === undefined ? [2, 3] : [5, 4]);
         ctx.lineWidth = 1.25;
@@ -127,16 +165,14 @@
           ctx.arc(at, top, 4, 0, 2 * Math.PI);
           ctx.fill();
         }
-        const width = ctx.measureText(mark.text).width;
-        const toLeft = mark.side === 'left' ? at - width - 12 > area.left
-          : at + width + 12 > area.right;
-        const left = toLeft ? at - width - 7 : at + 7;
-        const baseline = mark.share === undefined ? area.top + 14 : area.bottom - mark.rise;
+      });
+      list.forEach((mark, i) => {
+        const {left, right, top, bottom, baseline} = boxes[i];
         ctx.fillStyle = colours.page;
-        ctx.fillRect(left - 3, baseline - 12, width + 6, 16);
+        ctx.fillRect(left, top, right - left, bottom - top);
         ctx.fillStyle = mark.colour;
-        ctx.fillText(mark.text, left, baseline);
-      }
+        ctx.fillText(mark.text, left + 3, baseline);
+      });
       ctx.restore();
     },
   });
@@ -160,18 +196,18 @@
     const sets = [];
     const list = [];
     /** P80 is the first day by whose end 80% have finished, where the curve may be higher already. */
-    const mark = (finish, shape, colour, side, rise) => {
+    const mark = (finish, shape, colour, side) => {
       const day = finishDayOf(finish.p80);
-      list.push({day, share: heightAt(points(shape), day), colour, side, rise,
+      list.push({day, share: heightAt(points(shape), day), colour, side,
         text: `P80 ${longDay(day)}`});
     };
     if (hasWithout()) {
       sets.push(line('without weather', run.distribution.without_weather, colours.without, [7, 4]));
-      mark(withoutFinish(), run.distribution.without_weather, colours.without, 'left', 30);
+      mark(withoutFinish(), run.distribution.without_weather, colours.without, 'left');
     }
     sets.push(line(run.weather ? 'with weather' : 'finish', run.distribution.finish,
       run.weather ? colours.with : colours.without, []));
-    mark(run.finish, run.distribution.finish, run.weather ? colours.with : colours.without, 'right', 10);
+    mark(run.finish, run.distribution.finish, run.weather ? colours.with : colours.without, 'right');
 
     const days = sets.flatMap((set) => set.data.map((point) => point.x));
     let first = Math.min(...days);

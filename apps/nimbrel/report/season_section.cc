@@ -210,8 +210,10 @@ std::string SeasonSection(const Figures& figures, const FinishPlaces& places) {
   const Years years = YearsOf(figures, shown);
   std::string body =
       "<p>A row is a year and a column a day of the year; the stronger its colour, the more of the "
-      "iterations lose it on that calendar. Days on which nobody works anyway are blank where the "
-      "calendar has them so.</p>\n" +
+      "iterations lose it on that calendar, whether or not a task would have worked on it. Days "
+      "that a "
+      "calendar has off anyway, such as weekends of its own, cannot be lost and stay "
+      "blank.</p>\n" +
       Legend() +
       "<div class=\"lookup\" hidden><label for=\"lookup-day\">Look up a day</label> <input "
       "type=\"date\" id=\"lookup-day\"> <output for=\"lookup-day\" id=\"lookup-found\">"

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "nimbrel/command_line.h"
 #include "nimbrel/report/sections.h"
 
 namespace nimbrel::cli::report {
@@ -81,14 +83,15 @@ std::string DriverSection(const Figures& figures) {
       body += "<p>No task’s duration varies on a way to it.</p>\n";
       continue;
     }
+    const std::size_t shown = std::min(figures.CountAt(place + "/tasks"), kTornadoTasks);
+    const std::string tasks =
+        shown == 1 ? "task" : fmt::format("{} tasks with the greatest cruciality", shown);
     body += ChartFigure(
         fmt::format("drivers-{}", i), "bars",
-        fmt::format("Tornado: sensitivity of the {} tasks with the greatest cruciality. The table "
-                    "below has all numbers.",
-                    std::min(figures.CountAt(place + "/tasks"), kTornadoTasks)),
-        fmt::format("The {} tasks with the greatest cruciality. A long bar to the right: when this "
-                    "task takes longer, {} comes later. Shortening or securing such a task pays.",
-                    std::min(figures.CountAt(place + "/tasks"), kTornadoTasks),
+        fmt::format("Tornado: sensitivity of the {}. The table below has all numbers.", tasks),
+        fmt::format("The {}. A long bar to the right: when this task takes longer, {} comes "
+                    "later. Shortening or securing such a task pays.",
+                    shown == 1 ? "only task that drives it" : tasks,
                     is_finish ? "the plan’s finish" : "the target"),
         Behind("Numbers of the drivers", DriverTable(figures, place)));
   }
@@ -146,7 +149,7 @@ std::string TaskSection(const Figures& figures) {
       "tasks", "The most critical tasks",
       "<p>A task is pushed where weather must not interrupt it and it waits for a stretch of good "
       "days.</p>\n" +
-          Behind(fmt::format("Table of {} tasks", shown),
+          Behind("Table of " + Counted(static_cast<std::int64_t>(shown), "task", "tasks"),
                  table.Html() + CutNote(shown, found.size(), "critical tasks", "tasks.csv")));
 }
 

@@ -65,6 +65,21 @@ std::string LostDaysTable(const Figures& figures) {
   return table.Html();
 }
 
+/// Of calendars whose days all stand under one heading, because nobody has them.
+std::string UnassignedNote(const Figures& figures) {
+  std::string notes;
+  for (std::size_t i = 0; i < figures.CountAt("/ledger"); ++i) {
+    const std::string place = fmt::format("/ledger/{}", i);
+    if (figures.At(place + "/tasks") == 0) {
+      notes += fmt::format(
+          "<p class=\"note\">{} is assigned to no task: all its days count as no work "
+          "anyway.</p>\n",
+          figures.Show(place + "/name", Form::kText));
+    }
+  }
+  return notes;
+}
+
 std::string LedgerPart(const Figures& figures) {
   return "<h3>What became of the lost days</h3>\n" +
          ChartFigure(
@@ -75,7 +90,8 @@ std::string LedgerPart(const Figures& figures) {
              "none of its tasks was under way; it held tasks up that had float; or it held up what "
              "drove the finish. The last part is not yet the cost, since another path may be as "
              "long.",
-             Behind("Numbers of the ledger", LedgerTable(figures)));
+             Behind("Numbers of the ledger", LedgerTable(figures))) +
+         UnassignedNote(figures);
 }
 
 }  // namespace

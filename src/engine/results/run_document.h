@@ -21,9 +21,9 @@ namespace nimbrel::engine {
 /// An interval that the sample is too small for (HasQuantileInterval) has absent dates, or bounds
 /// that are not a number, for its bounds.
 ///
-/// MakeRunDocument (engine/risk/run_document_maker.h) fills in all of it but `inputs` and
-/// `warnings`, which the program adds, because what weather is and how it is stored is known there
-/// alone.
+/// MakeRunDocument (engine/risk/run_document_maker.h) fills in all of it but `inputs`, the options
+/// of `chain` and `warnings`, which the program adds, because what weather is and how it is stored
+/// is known there alone.
 
 /// The share of the iterations that have finished by the end of a day.
 struct CurvePoint {
@@ -51,11 +51,15 @@ struct FinishDistribution {
   std::vector<HistogramBar> histogram;
 };
 
+/// A run that is to go on until an interval is narrow enough has at least so many iterations: of
+/// fewer, the width itself says little.
+inline constexpr std::int32_t kLeastUntilIterations = 200;
+
 /// How exact the run was asked to be.
 struct UntilOutcome {
   double days = 0;        // the width that was asked for, of the 95% interval of P80
   double width_days = 0;  // the width at the end of the run; not a number without an interval
-  bool met = false;
+  bool met = false;       // after kLeastUntilIterations or more
 };
 
 /// How the run was made.
@@ -108,11 +112,12 @@ struct Attribution {
 struct LedgerRow {
   std::string name;
   std::string kind;
-  double lost = 0;      // made non-working on the calendar
-  double off = 0;       // no task of the calendar works on such a day anyway
-  double idle = 0;      // tasks work on such a day, but none of the calendar's was under way
-  double absorbed = 0;  // held up tasks, none of which drove the finish
-  double moving = 0;    // held up a task that drove the finish
+  double lost = 0;         // made non-working on the calendar
+  double off = 0;          // no task of the calendar works on such a day anyway
+  double idle = 0;         // tasks work on such a day, but none of the calendar's was under way
+  double absorbed = 0;     // held up tasks, none of which drove the finish
+  double moving = 0;       // held up a task that drove the finish
+  std::int64_t tasks = 0;  // that the calendar is assigned to; without any, all days are `off`
   friend bool operator==(const LedgerRow&, const LedgerRow&) = default;
 };
 
@@ -189,6 +194,7 @@ struct CriticalChain {
   std::int32_t iteration = 0;  // its number; the one whose finish is nearest to the P80
   Instant finish;
   std::vector<ChainTask> tasks;
+  std::string options;  // of the run, on which the iteration depends, as on a command line
 };
 
 /// What went in, as tables for people.

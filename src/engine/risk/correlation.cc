@@ -8,6 +8,7 @@
 #include <numbers>
 #include <numeric>
 #include <optional>
+#include <unordered_set>
 #include <utility>
 
 #include "engine/risk/tied_numbers.h"
@@ -49,7 +50,9 @@ class Weave {
   void AddGroup(std::vector<std::size_t> positions, double coefficient) {
     groups_.push_back({std::move(positions), coefficient});
   }
+  /// Two weather tasks.
   void AddPair(std::size_t a, std::size_t b, double coefficient) {
+    weather_.insert({a, b});
     groups_.push_back({{std::min(a, b), std::max(a, b)}, coefficient});
   }
 
@@ -81,7 +84,16 @@ class Weave {
 
   std::string NameOf(std::size_t position) const {
     const Task& task = plan_.tasks()[position];
-    return task.description.empty() ? task.id : task.description;
+    const std::string name = task.description.empty() ? task.id : task.description;
+    return weather_.contains(position)
+               ? fmt::format("\"{}\" of {}", name, plan_.FindCalendar(task.calendar)->name)
+               : name;
+  }
+
+  /// Weather tasks are tied to none but each other.
+  std::string Counted(const std::vector<std::size_t>& members) const {
+    return fmt::format("{} {}", members.size(),
+                       weather_.contains(members.front()) ? "weather periods" : "tasks");
   }
 
   void AddSet(const std::vector<std::size_t>& members, Mixing mixing) {
@@ -93,12 +105,13 @@ class Weave {
     into_.sets.push_back(std::move(set));
   }
 
-  void NoteRepair(std::size_t size, std::size_t a, std::size_t b, double asked, double used) {
+  void NoteRepair(const std::vector<std::size_t>& members, std::size_t a, std::size_t b,
+                  double asked, double used) {
     into_.notes.push_back(
-        fmt::format("The coefficients that tie the {} of {} tasks are no correlation matrix; the "
+        fmt::format("The coefficients that tie the {} of {} are no correlation matrix; the "
                     "nearest one is used. The greatest change: {} with {}, {:.2f} became {:.2f}.",
-                    purpose_ == Purpose::kDuration ? "durations" : "occurrences", size, NameOf(a),
-                    NameOf(b), asked, used));
+                    purpose_ == Purpose::kDuration ? "durations" : "occurrences", Counted(members),
+                    NameOf(a), NameOf(b), asked, used));
   }
 
   void AddAlike(const Group& group) {
@@ -108,7 +121,7 @@ class Weave {
     if (rho < least) {
       // Nearest among all, since neither the asked matrix nor the nearest changes when two members
       // change places.
-      NoteRepair(size, group.members[0], group.members[1], group.coefficient,
+      NoteRepair(group.members, group.members[0], group.members[1], group.coefficient,
                  RankCorrelation(least));
       rho = least;
     }
@@ -124,9 +137,9 @@ class Weave {
     members.erase(std::unique(members.begin(), members.end()), members.end());
     if (members.size() > kMostEntangled) {
       throw SamplingError(
-          fmt::format("the correlation groups tie {} tasks to each other with different "
+          fmt::format("the correlation groups tie {} to each other with different "
                       "coefficients, of which {} is one; at most {} can be",
-                      members.size(), NameOf(members.front()), kMostEntangled));
+                      Counted(members), NameOf(members.front()), kMostEntangled));
     }
     SquareMatrix matrix(members.size());
     for (std::size_t i = 0; i < members.size(); ++i) {
@@ -167,7 +180,7 @@ class Weave {
       }
     }
     const auto [a, b] = greatest;
-    NoteRepair(members.size(), members[a], members[b], RankCorrelation(matrix.At(a, b)),
+    NoteRepair(members, members[a], members[b], RankCorrelation(matrix.At(a, b)),
                RankCorrelation(nearest.At(a, b)));
     // A matrix at the edge may be a hair beyond it: a little of the identity brings it back.
     for (double share = 0; share < 1e-6; share = share * 10 + 1e-12) {
@@ -188,6 +201,7 @@ class Weave {
   Purpose purpose_;
   Correlation& into_;
   std::vector<Group> groups_;
+  std::unordered_set<std::size_t> weather_;  // positions of tasks that carry weather
 };
 
 class Builder {

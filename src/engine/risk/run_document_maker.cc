@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "engine/results/intervals.h"
-#include "engine/results/paired.h"
+#include "engine/risk/paired.h"
 
 namespace nimbrel::engine {
 namespace {
@@ -203,21 +203,30 @@ class Maker {
     document.warnings = run_.notes;
     const auto& until = document.choices.until;
     if (until.has_value() && !until->met && !run_.stopped) {
-      document.warnings.push_back(
-          std::isnan(until->width_days)
-              ? fmt::format("Too few iterations ({}) for a 95% interval of P80, and so for one of "
-                            "{:g} days "
-                            "or less.",
-                            run_.iterations(), until->days)
-              : fmt::format("The 95% interval of P80 is {:.1f} days wide after all {} iterations, "
-                            "not {:g} or less.",
-                            until->width_days, run_.iterations(), until->days));
+      document.warnings.push_back(UntilWarning(*until));
     }
     return document;
   }
 
  private:
   const Task& TaskOf(Uid uid) const { return *plan_.FindTask(uid); }
+
+  std::string UntilWarning(const UntilOutcome& until) const {
+    if (std::isnan(until.width_days)) {
+      return fmt::format(
+          "Too few iterations ({}) for a 95% interval of P80, and so for one of {:g} days or less.",
+          run_.iterations(), until.days);
+    }
+    if (run_.iterations() < kLeastUntilIterations) {
+      return fmt::format(
+          "The run ended at its {} iterations; whether the 95% interval of P80 is {:g} days wide "
+          "or less is told by {} at least.",
+          run_.iterations(), until.days, kLeastUntilIterations);
+    }
+    return fmt::format(
+        "The 95% interval of P80 is {:.1f} days wide after all {} iterations, not {:g} or less.",
+        until.width_days, run_.iterations(), until.days);
+  }
 
   RunChoices Choices() const {
     RunChoices choices;
@@ -231,7 +240,7 @@ class Maker {
       choices.until = UntilOutcome{
           run_.until.days,
           has_interval ? run_.until.width_days : std::numeric_limits<double>::quiet_NaN(),
-          has_interval && run_.until.met};
+          has_interval && run_.until.met && run_.iterations() >= kLeastUntilIterations};
     }
     choices.weather = parts_.weather;
     return choices;
@@ -375,8 +384,23 @@ class Maker {
       const LedgerResult& sums = found.ledger[i];
       const auto mean = [count](std::int64_t sum) { return static_cast<double>(sum) / count; };
       document.ledger.push_back({calendar.name, calendar.kind, mean(sums.lost), mean(sums.off),
-                                 mean(sums.idle), mean(sums.absorbed), mean(sums.moving)});
+                                 mean(sums.idle), mean(sums.absorbed), mean(sums.moving),
+                                 TasksOn(calendar.name)});
     }
+  }
+
+  /// How many tasks a weather calendar is assigned to.
+  std::int64_t TasksOn(const std::string& calendar) const {
+    const RiskCalendarDefinition* definition = plan_.FindRiskCalendar(calendar);
+    if (definition == nullptr) {
+      return 0;
+    }
+    return std::count_if(plan_.tasks().begin(), plan_.tasks().end(), [&](const Task& task) {
+      return std::any_of(task.risk_calendars.begin(), task.risk_calendars.end(),
+                         [&](const RiskAssignment& assigned) {
+                           return assigned.risk_calendar == definition->uid;
+                         });
+    });
   }
 
   void AddChain(RunDocument& document) const {
