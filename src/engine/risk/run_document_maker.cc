@@ -160,12 +160,13 @@ DayFigures Difference(const Way& of, const Way& less) {
     const PairedPercentiles a{of.samples, PercentilesOf(of.statistics)[i + 1]};
     const PairedPercentiles b{less.samples, PercentilesOf(less.statistics)[i + 1]};
     const double days = DaysBetween(a.percentile.value, b.percentile.value);
-    const double half = HasQuantileInterval(of.statistics.count, a.percentile.percent)
-                            ? HalfWidthOfDifference(a, b)
-                            : std::numeric_limits<double>::quiet_NaN();
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    const DayInterval interval = HasQuantileInterval(of.statistics.count, a.percentile.percent)
+                                     ? IntervalOfDifference(a, b)
+                                     : DayInterval{kNone, kNone};
     figures.*kMembers[i].value = days;
-    figures.*kMembers[i].low = days - half;
-    figures.*kMembers[i].high = days + half;
+    figures.*kMembers[i].low = interval.low;
+    figures.*kMembers[i].high = interval.high;
   }
   return figures;
 }
