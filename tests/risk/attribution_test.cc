@@ -218,6 +218,60 @@ TEST(Ledger, TellsWhatBecomesOfEachDay) {
   EXPECT_THAT(DaysLate(run.finish_samples, 0), ElementsAre(20));
 }
 
+TEST(Ledger, LetsTheFirstLostDaysUseUpTheFloat) {
+  // Without weather A ends on day 5, B on day 7, and C on day 9. A loses the days 2 to 6, ends on
+  // day 10, and C on day 12: of the five days the first two use up A's float, three move the
+  // finish.
+  WeatherPlan plan;
+  plan.AddTask("A", 5);
+  plan.AddTask("B", 7);
+  plan.AddTask("C", 2, {"A", "B"});
+  plan.AddWeatherCalendar("RAIN");
+  plan.AddWeatherCalendar("WIND");
+  plan.Assign("A", "RAIN");
+  plan.Assign("A", "WIND");
+  plan.AddPeriod("RAIN", 2, 4, Always(3));
+  plan.AddPeriod("WIND", 3, 6, Always(4));
+  const RunResult run = Attribute(plan, 1);
+  EXPECT_THAT(DaysLate(run.finish_samples, 0), ElementsAre(12));
+  // Of RAIN's days 2 to 4 the last moves the finish, of WIND's 3 to 6 all but the first.
+  EXPECT_EQ(run.attribution->ledger[0], (LedgerResult{3, 0, 0, 2, 1}));
+  EXPECT_EQ(run.attribution->ledger[1], (LedgerResult{4, 0, 0, 1, 3}));
+}
+
+TEST(Ledger, CountsNothingAsMovingAFinishThatStaysWhereItIs) {
+  // A has float for the two days that it loses, and then finishes together with B.
+  WeatherPlan plan;
+  plan.AddTask("A", 5);
+  plan.AddTask("B", 7);
+  plan.AddWeatherCalendar("RAIN");
+  plan.Assign("A", "RAIN");
+  plan.AddPeriod("RAIN", 2, 3, Always(2));
+  const RunResult run = Attribute(plan, 1);
+  EXPECT_EQ(run.attribution->ledger[0], (LedgerResult{2, 0, 0, 2, 0}));
+}
+
+TEST(Ledger, LooksAlsoAtWhatComesBeforeAPushedLift) {
+  // A loses the days 2 to 4 and ends on day 8. The lift could begin on day 9, but day 10 would cut
+  // it: it begins on day 11 and ends on day 13 instead of 8. All four days move the finish.
+  WeatherPlan plan;
+  plan.AddTask("A", 5);
+  plan.AddTask("LIFT", 3, {"A"});
+  plan.MarkNoSplit("LIFT");
+  plan.AddWeatherCalendar("ICE");
+  plan.AddWeatherCalendar("WIND");
+  plan.Assign("A", "ICE");
+  plan.Assign("LIFT", "WIND");
+  plan.AddPeriod("ICE", 2, 4, Always(3));
+  plan.AddPeriod("WIND", 10, 10, Always(1));
+  const RunResult run = Attribute(plan, 1);
+  EXPECT_THAT(DaysLate(run.finish_samples, 0), ElementsAre(13));
+  EXPECT_EQ(run.attribution->ledger[0], (LedgerResult{3, 0, 0, 0, 3}));
+  EXPECT_EQ(run.attribution->ledger[1], (LedgerResult{1, 0, 0, 0, 1}));
+  EXPECT_EQ(run.tasks[0].criticality, 1.0);
+  EXPECT_EQ(run.tasks[1].criticality, 1.0);
+}
+
 TEST(Ledger, CountsDaysOffOfTheTasksOwnCalendars) {
   WeatherPlan plan;
   const Uid five = plan.plan.AddCalendar(MakeWeekCalendar("FIVE", 5, 8)).uid;

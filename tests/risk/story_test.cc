@@ -150,9 +150,10 @@ TEST(Story, TellsHowFarALiftWasPushedAndPastWhichDays) {
   ASSERT_EQ(story.held.size(), 1U);
   EXPECT_EQ(story.held[0].first_day, WeatherPlan::Serial(5));
   EXPECT_EQ(story.held[0].lost_days, 2);
-  // Nothing drives a lift that waits for the weather.
-  ASSERT_EQ(story.path.size(), 1U);
-  EXPECT_EQ(story.path[0].task, plan.UidOf("LIFT"));
+  // The lift waits for the weather from when A lets it: the path goes on behind it.
+  ASSERT_EQ(story.path.size(), 2U);
+  EXPECT_EQ(story.path[0].task, plan.UidOf("A"));
+  EXPECT_EQ(story.path[1].task, plan.UidOf("LIFT"));
 }
 
 TEST(Story, GivesTheDaysOfAWindowToItsClosingEdge) {

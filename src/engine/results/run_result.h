@@ -67,8 +67,8 @@ struct LedgerResult {
   std::int64_t lost = 0;
   std::int64_t off = 0;       // days that no task of the calendar works anyway
   std::int64_t idle = 0;      // worked by tasks none of which was under way
-  std::int64_t absorbed = 0;  // held up tasks, none of which drove the plan's finish
-  std::int64_t moving = 0;    // held up a task that drove it
+  std::int64_t absorbed = 0;  // held up tasks whose float was enough
+  std::int64_t moving = 0;    // held up a task that drove the plan's finish, and moved it
   friend bool operator==(const LedgerResult&, const LedgerResult&) = default;
 };
 

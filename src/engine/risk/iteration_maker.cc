@@ -50,6 +50,18 @@ void IterationMaker::NoteConstraints() {
   }
 }
 
+void IterationMaker::FindPushed(std::vector<HeldTask>& pushed) const {
+  const Scheduler& scheduler = host_->scheduler();
+  const std::vector<TaskIndex>& tasks = inputs_.layout.no_split;
+  pushed.clear();
+  for (std::size_t i = 0; i < tasks.size(); ++i) {
+    const Instant by_links = StartUnder(scheduler, tasks[i], first_constraints_[i]);
+    if (by_links.Minutes() < scheduler.early_start(tasks[i]).Minutes()) {
+      pushed.push_back({tasks[i], by_links});
+    }
+  }
+}
+
 void IterationMaker::End() {
   host_->EndIteration();
 }

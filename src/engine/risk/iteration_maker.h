@@ -12,6 +12,7 @@
 #include "engine/risk/run.h"
 #include "engine/risk/run_layout.h"
 #include "engine/risk/sampler.h"
+#include "engine/schedule/telling.h"
 
 namespace nimbrel::engine {
 
@@ -46,6 +47,8 @@ class IterationMaker {
   /// The constraints that the tasks that must not be split had when they were first scheduled in
   /// the iteration, before any was pushed. In the layout's order.
   std::span<const Constraint> first_constraints() const { return first_constraints_; }
+  /// Of these tasks, those that stand later now than their links hold them, since they were pushed.
+  void FindPushed(std::vector<HeldTask>& pushed) const;
 
  private:
   void NoteConstraints();

@@ -86,11 +86,15 @@ class Teller {
     story.iteration = iteration;
     story.finish = scheduler.finish();
     TellDraws(witness, story);
-    for (const TaskIndex task : ScheduleTelling().OneDrivingPath(scheduler, -1)) {
+    std::vector<HeldTask> pushed;
+    maker_.FindPushed(pushed);
+    ScheduleTelling telling;
+    telling.SetHeld(scheduler, pushed);
+    for (const TaskIndex task : telling.OneDrivingPath(scheduler, -1)) {
       story.path.push_back(
           {UidOf(task), scheduler.early_start(task), scheduler.early_finish(task)});
     }
-    TellPushes(story);
+    TellPushes(pushed, story);
     // How long tasks have waited is asked without what pushed them.
     Variants(inputs_).UndoPushes(maker_);
     TellHolds(story);
@@ -162,18 +166,14 @@ class Teller {
     return losses;
   }
 
-  void TellPushes(IterationStory& story) const {
+  void TellPushes(std::span<const HeldTask> pushed, IterationStory& story) const {
     const Scheduler& scheduler = maker_.host().scheduler();
-    const std::vector<TaskIndex>& tasks = inputs_.layout.no_split;
-    for (std::size_t i = 0; i < tasks.size(); ++i) {
-      const Instant first = StartUnder(scheduler, tasks[i], maker_.first_constraints()[i]);
-      const Instant start = scheduler.early_start(tasks[i]);
-      if (first.Minutes() != start.Minutes()) {
-        story.pushed.push_back({.task = UidOf(tasks[i]),
-                                .first_start = first,
-                                .start = start,
-                                .past = LossesOf(tasks[i], first.day(), start.day()).days});
-      }
+    for (const auto& [task, first] : pushed) {
+      const Instant start = scheduler.early_start(task);
+      story.pushed.push_back({.task = UidOf(task),
+                              .first_start = first,
+                              .start = start,
+                              .past = LossesOf(task, first.day(), start.day()).days});
     }
   }
 

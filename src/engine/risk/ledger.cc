@@ -28,8 +28,12 @@ std::int64_t CountBits(std::uint64_t word) {
 Ledger::Ledger(const RunLayout& layout, const Scheduler& scheduler)
     : tables_of_(layout.calendars.size()),
       ever_worked_(layout.calendars.size()),
-      is_driving_(layout.tasks.size()) {
+      is_driving_(layout.tasks.size()),
+      is_weather_(scheduler.network().calendars.size()) {
   const Network& network = scheduler.network();
+  for (const WeatherCalendar& calendar : layout.calendars) {
+    is_weather_[static_cast<std::size_t>(calendar.index)] = true;
+  }
   std::map<std::uint16_t, std::size_t> place_of;  // by the network's tables
   const auto weather_of = [&layout](CalendarIndex index) {
     return std::find_if(layout.calendars.begin(), layout.calendars.end(),
@@ -67,8 +71,14 @@ Ledger::Ledger(const RunLayout& layout, const Scheduler& scheduler)
   }
 }
 
-void Ledger::Add(const Scheduler& scheduler, const LostDays& lost,
-                 std::span<const TaskIndex> driving, std::span<LedgerResult> sums) {
+void Ledger::Look(const Scheduler& scheduler, const LostDays& lost,
+                  std::span<const TaskIndex> driving) {
+  last_calendar_ = nullptr;
+  if (!driving.empty()) {
+    const CalendarIndex own = CalendarsOf(scheduler, driving.front()).front();
+    last_calendar_ = &scheduler.network().calendars[static_cast<std::size_t>(own)];
+    last_is_weather_ = is_weather_[static_cast<std::size_t>(own)];
+  }
   const std::int32_t first = lost.first_word();
   const std::int32_t last = lost.last_word();
   if (first > last) {
@@ -99,21 +109,61 @@ void Ledger::Add(const Scheduler& scheduler, const LostDays& lost,
     }
   }
   mark_driving(false);
+}
+
+Ledger::HeldDays Ledger::HeldDaysOf(std::size_t calendar, std::int32_t word) const {
+  HeldDays held;
+  for (const std::size_t i : tables_of_[calendar]) {
+    held.any |= tables_[i].under_way.Word(word) & tables_[i].own.Word(word);
+    held.driving |= tables_[i].driving.Word(word) & tables_[i].own.Word(word);
+  }
+  return held;
+}
+
+/// The first of the last `moved` days on which a calendar held up a driving task.
+std::int32_t Ledger::FirstMovingDay(const LostDays& lost, std::int32_t moved) const {
+  for (std::int32_t word = lost.last_word(); moved > 0 && word >= lost.first_word(); --word) {
+    std::uint64_t days = 0;
+    for (std::size_t calendar = 0; calendar < tables_of_.size(); ++calendar) {
+      days |= lost.days(calendar).Word(word) & HeldDaysOf(calendar, word).driving;
+    }
+    for (; days != 0; --moved) {
+      const int bit = 63 - std::countl_zero(days);
+      if (moved == 1) {
+        return kFirstCoveredDay + 64 * word + bit;
+      }
+      days &= ~(std::uint64_t{1} << bit);
+    }
+  }
+  return moved > 0 ? kFirstCoveredDay : kLastCoveredDay + 1;
+}
+
+void Ledger::Book(const LostDays& lost, Instant finish_without_weather, Instant finish,
+                  std::span<LedgerResult> sums) const {
+  std::int32_t moved = 0;
+  if (last_calendar_ != nullptr && finish_without_weather.Minutes() < finish.Minutes()) {
+    const DayBits& works = last_is_weather_ ? last_calendar_->open() : last_calendar_->worked();
+    const bool ends_before_work =
+        works.Test(finish.day()) &&
+        last_calendar_->HoursOn(finish.day()).worked_before()[finish.minute()] == 0;
+    moved =
+        works.Count(finish_without_weather.day() + 1, finish.day()) - (ends_before_work ? 1 : 0);
+  }
+  const std::int32_t first = lost.first_word();
+  const std::int32_t last = lost.last_word();
+  DayBits can_move;
+  can_move.Add(FirstMovingDay(lost, moved), kLastCoveredDay);
   for (std::size_t calendar = 0; calendar < sums.size(); ++calendar) {
     LedgerResult& sum = sums[calendar];
     for (std::int32_t word = first; word <= last; ++word) {
       const std::uint64_t days = lost.days(calendar).Word(word);
-      std::uint64_t held = 0;
-      std::uint64_t moving = 0;
-      for (const std::size_t i : tables_of_[calendar]) {
-        held |= tables_[i].under_way.Word(word) & tables_[i].own.Word(word);
-        moving |= tables_[i].driving.Word(word) & tables_[i].own.Word(word);
-      }
+      const HeldDays held = HeldDaysOf(calendar, word);
+      const std::uint64_t moving = held.driving & can_move.Word(word);
       const std::uint64_t worked = ever_worked_[calendar].Word(word);
       sum.lost += CountBits(days);
       sum.off += CountBits(days & ~worked);
-      sum.idle += CountBits(days & worked & ~held);
-      sum.absorbed += CountBits(days & held & ~moving);
+      sum.idle += CountBits(days & worked & ~held.any);
+      sum.absorbed += CountBits(days & held.any & ~moving);
       sum.moving += CountBits(days & moving);
     }
   }

@@ -23,20 +23,31 @@ namespace nimbrel::engine {
 /// task's own calendar works that day. Each lost day of a calendar then is one of
 /// - off: no task of the calendar works that day by its own calendar;
 /// - idle: some do, but it holds none up;
-/// - moving: it holds up a task on a driving path to the plan's finish;
-/// - absorbed: it holds up other tasks only.
+/// - moving: it holds up a task on a driving path to the plan's finish, and is one of the last of
+///   these days, of all calendars together, as many as the finish is later than it would be without
+///   any weather: in days that the task which ends last works by its own calendar;
+/// - absorbed: it holds up other tasks only, or came while a driving task still had float.
 class Ledger {
  public:
   /// `scheduler` has the plan's structure as in all iterations.
   Ledger(const RunLayout& layout, const Scheduler& scheduler);
 
-  /// Adds an iteration: the schedule as it stands, but with the constraints of before any push.
-  /// `driving` are the tasks on the driving paths to the finish; `sums` has an entry for each
-  /// calendar.
-  void Add(const Scheduler& scheduler, const LostDays& lost, std::span<const TaskIndex> driving,
-           std::span<LedgerResult> sums);
+  /// Looks at an iteration: the schedule as it stands, but with the constraints of before any push.
+  /// `driving` are the tasks on the driving paths to the finish, of which the first ends last.
+  void Look(const Scheduler& scheduler, const LostDays& lost, std::span<const TaskIndex> driving);
+  /// Adds the iteration that was looked at last. `sums` has an entry for each calendar.
+  void Book(const LostDays& lost, Instant finish_without_weather, Instant finish,
+            std::span<LedgerResult> sums) const;
 
  private:
+  /// The days on which a lost one of a calendar holds up a task, or one that drives the finish.
+  struct HeldDays {
+    std::uint64_t any = 0;
+    std::uint64_t driving = 0;
+  };
+  HeldDays HeldDaysOf(std::size_t calendar, std::int32_t word) const;
+  std::int32_t FirstMovingDay(const LostDays& lost, std::int32_t moved) const;
+
   /// Tasks that share one set of calendars.
   struct Table {
     DayBits own;                         // days that they work by their own calendar
@@ -54,8 +65,11 @@ class Ledger {
   std::vector<Table> tables_;
   std::vector<Entry> entries_;  // in the order of the passes, so that memory is read in its order
   std::vector<std::vector<std::size_t>> tables_of_;  // by calendar
-  std::vector<DayBits> ever_worked_;  // by calendar: days that one of its tasks works
-  std::vector<bool> is_driving_;      // by slot; all false between calls
+  std::vector<DayBits> ever_worked_;             // by calendar: days that one of its tasks works
+  std::vector<bool> is_driving_;                 // by slot; all false between calls
+  std::vector<bool> is_weather_;                 // by calendar of the plan
+  const WorkCalendar* last_calendar_ = nullptr;  // of the task that ends last
+  bool last_is_weather_ = false;                 // whether that one is a weather calendar
 };
 
 }  // namespace nimbrel::engine

@@ -36,8 +36,10 @@ struct RunLayout {
   SamplingDesign design;
   std::optional<TiedNumbers> tied;  // where values are correlated
   std::vector<std::string> notes;
-  /// With `attribute`: each way once. The first is that without any calendar.
+  /// With `attribute`: each way once.
   std::vector<Variant> variants;
+  /// The place of the way in which no calendar takes effect.
+  static constexpr std::size_t kWithoutAny = 0;
 
   /// Place of the variant in which a calendar alone takes effect, or all but it (`alone` false); -1
   /// where that is the run itself.

@@ -112,20 +112,33 @@ void RunWorker::TakeResults(std::int32_t iteration) {
     return;
   }
   tile_->Add(scheduler);
+  TakePushes(scheduler);
   TakeDriving(scheduler);
-  for (std::size_t i = 0; i < layout_.no_split.size(); ++i) {
-    const TaskIndex task = layout_.no_split[i];
-    pushed_minutes_[i] += scheduler.early_start(task).Minutes() -
-                          StartUnder(scheduler, task, maker_.first_constraints()[i]).Minutes();
-  }
   TakeLostDays(scheduler, iteration);
   if (!layout_.variants.empty()) {
     variants_.UndoPushes(maker_);
     if (!ledger_.has_value()) {
       ledger_.emplace(layout_, scheduler);
     }
-    ledger_->Add(scheduler, lost_, driving_, context_.board.ledger(number_));
-    variants_.Schedule(maker_, iteration + 1, lost_, context_.board.variant_finishes(iteration));
+    ledger_->Look(scheduler, lost_, driving_);
+    const Instant finish = context_.board.finish(iteration);
+    const std::span<Instant> finishes = context_.board.variant_finishes(iteration);
+    variants_.Schedule(maker_, iteration + 1, lost_, finishes);
+    ledger_->Book(lost_, finishes[RunLayout::kWithoutAny], finish, context_.board.ledger(number_));
+  }
+}
+
+void RunWorker::TakePushes(const Scheduler& scheduler) {
+  maker_.FindPushed(pushed_);
+  telling_.SetHeld(scheduler, pushed_);
+  // Both are in the layout's order.
+  std::size_t place = 0;
+  for (const HeldTask& pushed : pushed_) {
+    while (layout_.no_split[place] != pushed.task) {
+      ++place;
+    }
+    pushed_minutes_[place] +=
+        scheduler.early_start(pushed.task).Minutes() - pushed.start_by_links.Minutes();
   }
 }
 

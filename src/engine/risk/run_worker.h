@@ -41,6 +41,7 @@ class RunWorker {
                const std::function<void()>& done);
   void RunIteration(std::int32_t iteration);
   void TakeResults(std::int32_t iteration);
+  void TakePushes(const Scheduler& scheduler);
   void TakeDriving(const Scheduler& scheduler);
   void TakeLostDays(const Scheduler& scheduler, std::int32_t iteration);
   void DecideEnd();
@@ -59,7 +60,8 @@ class RunWorker {
   std::optional<Ledger> ledger_;
   std::vector<TaskIndex> driving_;  // on a path to the plan's finish, in the current iteration
   std::vector<TaskIndex> path_;     // to a target
-  std::vector<std::int64_t> pushed_minutes_;
+  std::vector<HeldTask> pushed_;    // in the current iteration
+  std::vector<std::int64_t> pushed_minutes_;  // by task, summed over the iterations
 };
 
 }  // namespace nimbrel::engine

@@ -252,13 +252,16 @@ Instant FinishOfPlan(Network& network) {
 }
 
 bool IsDriving(Network& network, Slot slot, const InLink& link) {
+  return IsDrivingTo(network, slot, link, Instant::FromPacked(network.early[StartOf(slot)]));
+}
+
+bool IsDrivingTo(Network& network, Slot slot, const InLink& link, Instant start) {
   const Node& node = network.nodes[slot];
   if (node.is_mandatory) {
     return false;
   }
   const std::int32_t end = LagEnd(network, network.early[link.date], link.lag);
   WorkTable& table = network.TableOf(slot);
-  const Instant start = Instant::FromPacked(network.early[StartOf(slot)]);
   if (node.minutes == 0) {
     return MomentWithoutWork(table, Instant::FromPacked(end), network.facts[slot].kind) == start;
   }

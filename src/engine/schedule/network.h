@@ -177,7 +177,6 @@ struct Network {
 
   WorkTable& TableOf(Slot slot) { return tables[facts[slot].table]; }
   bool IsOpen(Slot slot) const { return slot < open_count; }
-  bool IsRelay(Slot) const { return false; }
   void MarkDirty(Slot slot) { dirty[slot >> 6] |= std::uint64_t{1} << (slot & 63); }
   /// "Task A1000 (Excavate)".
   std::string LabelOf(Slot slot) const {

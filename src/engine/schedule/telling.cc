@@ -19,8 +19,7 @@ void VisitEnds(Network& network, TaskIndex target, const Visit& visit) {
   }
   const std::int32_t finish = FinishOfPlan(network).packed();
   for (Slot slot = 0; slot < network.open_count; ++slot) {
-    if (network.early[static_cast<std::size_t>(FinishOf(slot))] == finish &&
-        !network.IsRelay(slot)) {
+    if (network.early[static_cast<std::size_t>(FinishOf(slot))] == finish) {
       visit(slot);
     }
   }
@@ -46,6 +45,28 @@ Holds HoldsOn(Network& network, Slot slot) {
 
 }  // namespace
 
+void ScheduleTelling::SetHeld(const Scheduler& scheduler, std::span<const HeldTask> held) {
+  held_.clear();
+  for (const HeldTask& task : held) {
+    held_.push_back(
+        {scheduler.network().slot_of[static_cast<std::size_t>(task.task)], task.start_by_links});
+  }
+  std::sort(held_.begin(), held_.end(),
+            [](const HeldSlot& a, const HeldSlot& b) { return a.slot < b.slot; });
+}
+
+bool ScheduleTelling::Drives(Network& network, Slot slot, const InLink& link) const {
+  if (!held_.empty()) {
+    const auto held =
+        std::lower_bound(held_.begin(), held_.end(), slot,
+                         [](const HeldSlot& each, Slot wanted) { return each.slot < wanted; });
+    if (held != held_.end() && held->slot == slot) {
+      return IsDrivingTo(network, slot, link, held->start_by_links);
+    }
+  }
+  return IsDriving(network, slot, link);
+}
+
 void ScheduleTelling::DrivingPath(const Scheduler& scheduler, TaskIndex target,
                                   std::vector<TaskIndex>& path) {
   Network& network = scheduler.network();
@@ -61,11 +82,9 @@ void ScheduleTelling::DrivingPath(const Scheduler& scheduler, TaskIndex target,
       const int bit = 63 - std::countl_zero(marked_[word]);
       const Slot slot = static_cast<Slot>(word) * 64 + bit;
       marked_[word] &= ~(std::uint64_t{1} << bit);
-      if (!network.IsRelay(slot)) {
-        path.push_back(network.index_at[static_cast<std::size_t>(slot)]);
-      }
+      path.push_back(network.index_at[static_cast<std::size_t>(slot)]);
       for (const InLink& link : network.in_links[slot]) {
-        if (IsDriving(network, slot, link)) {
+        if (Drives(network, slot, link)) {
           mark(link.predecessor());
         }
       }
@@ -84,12 +103,10 @@ std::vector<TaskIndex> ScheduleTelling::OneDrivingPath(const Scheduler& schedule
   std::vector<TaskIndex> path;
   Slot slot = last < 0 ? -1 : network.slot_of[static_cast<std::size_t>(last)];
   while (slot >= 0) {
-    if (!network.IsRelay(slot)) {
-      path.push_back(network.index_at[static_cast<std::size_t>(slot)]);
-    }
+    path.push_back(network.index_at[static_cast<std::size_t>(slot)]);
     const Lists<InLink>::Range links = network.in_links[slot];
     const InLink* const driving = std::find_if(links.begin(), links.end(), [&](const InLink& link) {
-      return IsDriving(network, slot, link);
+      return Drives(network, slot, link);
     });
     slot = driving == links.end() ? -1 : driving->predecessor();
   }

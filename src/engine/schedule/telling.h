@@ -9,9 +9,19 @@
 
 namespace nimbrel::engine {
 
+/// A task that waits for more than its links, and where these alone would let it start.
+struct HeldTask {
+  TaskIndex task = 0;
+  Instant start_by_links;
+};
+
 /// What is told of a forward pass beyond its dates. Keeps working memory from call to call.
 class ScheduleTelling {
  public:
+  /// From now on paths go on behind these tasks: to the predecessors that would drive them if they
+  /// did not wait for anything else. They replace those of an earlier call.
+  void SetHeld(const Scheduler& scheduler, std::span<const HeldTask> held);
+
   /// The unfinished tasks on a driving path to a task's finish, from the last one back to the
   /// first: `path` is replaced. A target of -1 is the plan's finish, and all tasks that end with it
   /// are on the path. A finished task, a summary and a level of effort have no path.
@@ -22,6 +32,13 @@ class ScheduleTelling {
   std::vector<TaskIndex> OneDrivingPath(const Scheduler& scheduler, TaskIndex target) const;
 
  private:
+  bool Drives(Network& network, Slot slot, const InLink& link) const;
+
+  struct HeldSlot {
+    Slot slot = 0;
+    Instant start_by_links;
+  };
+  std::vector<HeldSlot> held_;         // by slot, ascending
   std::vector<std::uint64_t> marked_;  // by slot; all 0 between calls
 };
 
