@@ -19,6 +19,30 @@ set(NIMBREL_RANDOM123_INCLUDE "${NIMBREL_HEADERS}" CACHE PATH "" FORCE)
 
 target_compile_definitions(nimbrel_settings INTERFACE UNICODE _UNICODE NOMINMAX _WIN32_WINNT=0x0601)
 
+# What workbooks need, as scripts/windows-libraries builds it. Without it there is no room for them.
+math(EXPR NIMBREL_WIDTH "8 * ${CMAKE_SIZEOF_VOID_P}")
+set(NIMBREL_WINDOWS_LIBRARIES "${CMAKE_SOURCE_DIR}/build/windows-libs-${NIMBREL_WIDTH}" CACHE PATH
+    "Where scripts/windows-libraries has put the libraries of workbooks")
+set(NIMBREL_WINDOWS_WORKBOOKS OFF)
+if(EXISTS "${NIMBREL_WINDOWS_LIBRARIES}/versions")
+  set(NIMBREL_WINDOWS_WORKBOOKS ON)
+  find_library(NIMBREL_ZLIB libz.a REQUIRED)
+  # nimbrel_windows_library(TARGET FILE DEFINITION LIBRARIES...)
+  function(nimbrel_windows_library TARGET FILE DEFINITION)
+    add_library(${TARGET} STATIC IMPORTED GLOBAL)
+    set_target_properties(${TARGET} PROPERTIES
+      IMPORTED_LOCATION "${NIMBREL_WINDOWS_LIBRARIES}/lib/${FILE}"
+      INTERFACE_INCLUDE_DIRECTORIES "${NIMBREL_WINDOWS_LIBRARIES}/include"
+      INTERFACE_COMPILE_DEFINITIONS "${DEFINITION}"
+      INTERFACE_LINK_LIBRARIES "${ARGN}")
+  endfunction()
+  nimbrel_windows_library(EXPAT::EXPAT libexpat.a XML_STATIC)
+  nimbrel_windows_library(PkgConfig::LIBZIP libzip.a ZIP_STATIC "${NIMBREL_ZLIB}" advapi32)
+  nimbrel_windows_library(PkgConfig::XLSXWRITER libxlsxwriter.a "" "${NIMBREL_ZLIB}")
+else()
+  message(STATUS "Workbooks are left out: scripts/windows-libraries has not built their libraries")
+endif()
+
 # nimbrel_idl(TARGET FILE): the header, the identifiers and the type library of an IDL file, in the
 # target's build folder. Wine has the IDL files and the type library that mingw-w64 lacks.
 file(GLOB NIMBREL_STDOLE /usr/lib/*/wine/*/stdole2.tlb)

@@ -4,7 +4,6 @@
 #include <utility>
 #include <vector>
 
-#include "com/dispatch_object.h"
 #include "com/host_application.h"
 #include "desktop/mod_tool_box.h"
 #include "dialog/choose_sheet.h"
@@ -15,6 +14,7 @@
 #include "platform/win/registry_settings_store.h"
 #include "platform/win/user_locale.h"
 #include "platform/win/windows_services.h"
+#include "servers.h"
 #include "simulation/mod_weather_events.h"
 #include "toolkit/win32/win32_desktop.h"
 
@@ -29,7 +29,6 @@ struct Services {
   platform::WindowsFileDialog file_dialog;
   platform::WindowsHelp help;
   platform::WindowsDirectorySearch directory_search;
-  com::ComServers servers;
   toolkit::win32::Win32Desktop desktop;
 };
 
@@ -42,7 +41,7 @@ host::Seams Wire() {
                    .locale = platform::UserLocale()});
   modToolBox::Wire({&services.settings, &services.process_start, &services.windows,
                     &services.file_dialog, &services.help, &services.directory_search, &desktop});
-  modExcel::Wire({&services.servers, &desktop});
+  modExcel::Wire({&Servers(desktop), &desktop});
   modImportExport::Wire(
       {&desktop, [&desktop](const std::vector<modImportExport::ListedSheet>& sheets,
                             const std::string& DataType) {

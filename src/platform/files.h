@@ -20,7 +20,8 @@ class PartialFile {
   std::string CPath() const;
 
   /// Brings what was written to the disk, and puts the file where the other is, with the
-  /// permissions of that. Nobody may have the file open any more. Not to be called twice.
+  /// permissions of that where the system has such. Nobody may have the file open any more. Not to
+  /// be called twice.
   void PutInPlace();
 
  private:

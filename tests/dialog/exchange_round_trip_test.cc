@@ -1,13 +1,11 @@
 // Weather data to a workbook and back, through the dialog's own buttons and a file on disk: random
 // data stays the same in every language that dates are written in.
 
-#include <stdlib.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <random>
-#include <stdexcept>
 
+#include "platform/files.h"
 #include "spreadsheet/excel_application.h"
 #include "spreadsheet/workbook_viewer.h"
 #include "tests/dialog/exchange_fixture.h"
@@ -23,11 +21,8 @@ using platform::Date;
 class ScratchFolder {
  public:
   ScratchFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "nimbrel-trip-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) {
-      throw std::runtime_error("no temporary folder");
-    }
-    path_ = name;
+    path_ = platform::MakeNewFolder(
+        (std::filesystem::temp_directory_path() / "nimbrel-trip-").string());
   }
   ~ScratchFolder() {
     std::error_code ignored;

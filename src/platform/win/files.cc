@@ -55,8 +55,6 @@ void PartialFile::PutInPlace() {
   if (flushed != 0) {
     throw std::system_error(reason, std::generic_category());
   }
-  // The only permission that a file has of itself here is that of being written to, and one that
-  // has it not is not replaced.
   if (MoveFileExW(ToWide(path_).c_str(), ToWide(target_).c_str(),
                   MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == FALSE) {
     RaiseSystemError();
