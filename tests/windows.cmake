@@ -22,7 +22,7 @@ if(TARGET nimbrel_spreadsheet)
   # alone have: processes that are forked, links, shells.
   nimbrel_test(spreadsheet LIBRARIES nimbrel_workbook_files nimbrel_spreadsheet
                WITHOUT damaged_files_test round_trip_test text_coding_test workbook_test workbook_viewer_test
-                       xlsx_writer_test)
+                       xlsx_writer_posix_test xlsx_writer_properties_test)
   nimbrel_test(stand_in LIBRARIES nimbrel_workbook_files nimbrel_recording_excel nimbrel_recording_host
                                   nimbrel_gesture_play nimbrel_dialog nimbrel_spreadsheet nimbrel_com)
   target_sources(test_stand_in PRIVATE dialog/exchange_round_trip_test.cc com/com_test.cc)

@@ -1,9 +1,6 @@
 #include "spreadsheet/xlsx_writer.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <set>
@@ -11,42 +8,10 @@
 #include "spreadsheet/text_coding.h"
 #include "spreadsheet/workbook_reader.h"
 #include "tests/spreadsheet/excel_fixture.h"
+#include "tests/spreadsheet/written_workbook.h"
 
 namespace nimbrel::spreadsheet {
 namespace {
-
-std::string Write(const Workbook& workbook) {
-  const TemporaryFolder folder;
-  WriteXlsx(workbook, folder.File("w.xlsx"));
-  EXPECT_EQ(folder.Names(), std::vector<std::string>{"w.xlsx"});
-  return ReadBytes(folder.File("w.xlsx"));
-}
-
-/// The element of the first sheet that begins with `begin`, up to its ">".
-std::string Element(const std::string& part, const std::string& begin) {
-  const auto from = part.find(begin);
-  return from == std::string::npos ? "" : part.substr(from, part.find('>', from) + 1 - from);
-}
-
-std::size_t CountOf(const std::string& text, const std::string& what) {
-  std::size_t count = 0;
-  for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
-    ++count;
-  }
-  return count;
-}
-
-Workbook OneTextBook(const std::string& text) {
-  Workbook workbook;
-  Sheet& sheet = workbook.AddSheet("s");
-  sheet.Put({1, 1, kFormatOfPlace, workbook.AddText(text)});
-  return workbook;
-}
-
-std::string TextReadBack(const std::string& text) {
-  const Workbook workbook = ReadWorkbookBytes(Write(OneTextBook(text)), "w");
-  return workbook.Text(std::get<TextId>(workbook.sheets()[0]->Find(1, 1)->value));
-}
 
 TEST(WriteXlsx, ValuesReadBack) {
   Workbook workbook;
@@ -79,15 +44,6 @@ TEST(WriteXlsx, TextThatXmlCannotHoldReadsBack) {
   EXPECT_EQ(TextReadBack("bad \xFF byte"), "bad \uFFFD byte");
 }
 
-TEST(WriteXlsx, AnyTextReadsBackAsFarAsItIsText) {
-  const bool holds = rc::check("texts survive", [] {
-    const auto bytes = *rc::gen::container<std::string>(rc::gen::oneOf(
-        rc::gen::arbitrary<char>(), rc::gen::element('_', 'x', '0', 'A', '\n', '\r')));
-    RC_ASSERT(TextReadBack(bytes + "x") == ValidUtf8(bytes + "x"));
-  });
-  EXPECT_TRUE(holds);
-}
-
 TEST(WriteXlsx, WhatIsNoNumberIsWrittenAsItShows) {
   Workbook workbook;
   Sheet& sheet = workbook.AddSheet("s");
@@ -112,20 +68,6 @@ TEST(WriteXlsx, DatesOf1904AreWrittenAsTheSameDays) {
   // 1 January 1904 counted from 30 December 1899: four years of 365 days and two days.
   EXPECT_EQ(std::get<double>(read.sheets()[0]->Find(1, 1)->value), 1462.0);
   EXPECT_EQ(std::get<double>(read.sheets()[0]->Find(1, 2)->value), 0.0);
-}
-
-TEST(WriteXlsx, NumbersKeepSixteenDigits) {
-  const bool holds = rc::check("numbers survive but for their last bit", [] {
-    const auto number = *rc::gen::arbitrary<double>();
-    RC_PRE(std::isfinite(number));
-    Workbook workbook;
-    workbook.AddSheet("s").Put({1, 1, kFormatOfPlace, number});
-    const Workbook read = ReadWorkbookBytes(Write(workbook), "w");
-    const double back = std::get<double>(read.sheets()[0]->Find(1, 1)->value);
-    // The seventeenth digit is rounded: half a unit of the sixteenth, at worst of 1.000...
-    RC_ASSERT(std::abs(back - number) <= 5e-16 * std::abs(number));
-  });
-  EXPECT_TRUE(holds);
 }
 
 TEST(WriteXlsx, TheSameWorkbookGivesTheSameBytes) {
@@ -171,34 +113,6 @@ TEST(WriteXlsx, EveryNameThatASheetMayHaveReadsBack) {
   }
 }
 
-TEST(WriteXlsx, ALinkIsFollowedAndStays) {
-  const TemporaryFolder folder;
-  WriteBytes(folder.File("old.xlsx"), "before");
-  std::filesystem::create_symlink("old.xlsx", folder.File("link.xlsx"));
-  std::filesystem::create_symlink("link.xlsx", folder.File("far.xlsx"));
-  WriteXlsx(OneTextBook("x"), folder.File("far.xlsx"));
-  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("far.xlsx")));
-  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("link.xlsx")));
-  EXPECT_FALSE(std::filesystem::is_symlink(folder.File("old.xlsx")));
-  EXPECT_TRUE(ReadBytes(folder.File("old.xlsx")).starts_with("PK"));
-  // Also to a file that is not there yet.
-  std::filesystem::create_directory(folder.File("sub"));
-  std::filesystem::create_symlink("sub/new.xlsx", folder.File("new.xlsx"));
-  WriteXlsx(OneTextBook("x"), folder.File("new.xlsx"));
-  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("new.xlsx")));
-  EXPECT_TRUE(ReadBytes(folder.File("sub/new.xlsx")).starts_with("PK"));
-}
-
-TEST(WriteXlsx, TheNewFileHasThePermissionsOfTheOldOne) {
-  using std::filesystem::perms;
-  const TemporaryFolder folder;
-  WriteBytes(folder.File("w.xlsx"), "before");
-  const auto own = perms::owner_read | perms::owner_write;
-  std::filesystem::permissions(folder.File("w.xlsx"), own);
-  WriteXlsx(OneTextBook("x"), folder.File("w.xlsx"));
-  EXPECT_EQ(std::filesystem::status(folder.File("w.xlsx")).permissions(), own);
-}
-
 TEST(WriteXlsx, WhatTheUserStopsLeavesWhatWasThere) {
   const TemporaryFolder folder;
   WriteBytes(folder.File("w.xlsx"), "before");
@@ -226,27 +140,6 @@ TEST(WriteXlsx, WhatNoReaderTakesIsNotWritten) {
             folder.File("w.xlsx") +
                 ": cannot be written: the name of sheet 1, 'a/b', has one of "
                 "the characters : \\ / ? * [ ]");
-}
-
-// The library needs files of its own while it puts the package together.
-TEST(WriteXlsx, AFailureOfTheLibraryIsToldOnce) {
-  const TemporaryFolder folder;
-  const Workbook workbook = OneTextBook("x");
-  ::testing::internal::CaptureStderr();
-  const int free_descriptor = ::dup(STDERR_FILENO);
-  ::close(free_descriptor);
-  rlimit before{};
-  ::getrlimit(RLIMIT_NOFILE, &before);
-  // One for the part of the file, one for standard error as it was, one for the package.
-  const rlimit few{static_cast<rlim_t>(free_descriptor) + 3, before.rlim_max};
-  ::setrlimit(RLIMIT_NOFILE, &few);
-  const Raised raised = ErrorOf([&] { WriteXlsx(workbook, folder.File("w.xlsx")); });
-  ::setrlimit(RLIMIT_NOFILE, &before);
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
-  EXPECT_EQ(raised.number, platform::kApplicationDefined);
-  EXPECT_TRUE(raised.text.starts_with(folder.File("w.xlsx") + ": cannot be written: the file: "))
-      << raised.text;
-  EXPECT_EQ(folder.Names(), std::vector<std::string>{});
 }
 
 TEST(WriteXlsx, AFormulaWithoutAValueIsWrittenAsNothing) {
@@ -324,80 +217,6 @@ class ExportedSheet : public Excel {
   std::string bytes;
 };
 
-/// The looks of a sheet as a program that opens the file finds them, taken from its XML: a cell's
-/// own style, or its row's, or its column's.
-class WrittenLooks {
- public:
-  explicit WrittenLooks(const std::string& bytes)
-      : sheet_(PartOf(bytes, "xl/worksheets/sheet1.xml")),
-        styles_(PartOf(bytes, "xl/styles.xml")) {}
-
-  std::string StyleOf(const std::string& cell) const {
-    const auto range = ParseCell(cell);
-    if (const std::string own = Element(sheet_, "<c r=\"" + cell + "\""); !own.empty()) {
-      return Xf(own, "s");
-    }
-    const std::string row = Element(sheet_, "<row r=\"" + std::to_string(range->first_row) + "\"");
-    if (row.find("customFormat=\"1\"") != std::string::npos) {
-      return Xf(row, "s");
-    }
-    for (auto at = sheet_.find("<col "); at != std::string::npos;
-         at = sheet_.find("<col ", at + 1)) {
-      const std::string column = sheet_.substr(at, sheet_.find('>', at) + 1 - at);
-      if (Number(column, "min") <= range->first_column &&
-          Number(column, "max") >= range->first_column) {
-        return Xf(column, "style");
-      }
-    }
-    return Xf("", "s");
-  }
-
-  /// The fill of a cell as RRGGBB, empty without one.
-  std::string FillOf(const std::string& cell) const {
-    const std::string fill = Nth(styles_, "<fill>", "</fill>", Number(StyleOf(cell), "fillId"));
-    const auto color = fill.find("<fgColor rgb=\"FF");
-    return color == std::string::npos ? "" : fill.substr(color + 16, 6);
-  }
-  std::string FontOf(const std::string& cell) const {
-    return Nth(styles_, "<font>", "</font>", Number(StyleOf(cell), "fontId"));
-  }
-  /// The number format of a cell if it is one of the file's own, else nothing.
-  std::string FormatOf(const std::string& cell) const {
-    const std::string id = std::to_string(Number(StyleOf(cell), "numFmtId"));
-    const std::string format = Element(styles_, "<numFmt numFmtId=\"" + id + "\"");
-    const auto code = format.find("formatCode=\"");
-    return code == std::string::npos ? "" : format.substr(code + 12, format.rfind('"') - code - 12);
-  }
-
- private:
-  std::string Xf(const std::string& element, const std::string& attribute) const {
-    const std::string list = styles_.substr(styles_.find("<cellXfs"));
-    const int number =
-        element.find(" " + attribute + "=\"") == std::string::npos ? 0 : Number(element, attribute);
-    std::size_t at = list.find("<xf ");
-    for (int i = 0; i < number; ++i) {
-      at = list.find("<xf ", at + 1);
-    }
-    const auto next = list.find("<xf ", at + 1);
-    return list.substr(at, std::min(next, list.find("</cellXfs>")) - at);
-  }
-  static int Number(const std::string& element, const std::string& attribute) {
-    const auto at = element.find(" " + attribute + "=\"");
-    return at == std::string::npos ? 0 : std::stoi(element.substr(at + attribute.size() + 3));
-  }
-  static std::string Nth(const std::string& text, const std::string& begin, const std::string& end,
-                         int number) {
-    std::size_t at = text.find(begin);
-    for (int i = 0; i < number; ++i) {
-      at = text.find(begin, at + 1);
-    }
-    return text.substr(at, text.find(end, at) - at);
-  }
-
-  std::string sheet_;
-  std::string styles_;
-};
-
 TEST_F(ExportedSheet, AGreyFrameStandsAroundAWhiteArea) {
   const WrittenLooks looks(bytes);
   for (const char* grey :
@@ -469,40 +288,6 @@ TEST_F(ExportedSheet, TheSheetOpensAtTheFirstDataCellAtItsZoom) {
 TEST_F(ExportedSheet, AWholeSheetOfGreyMakesNoLargeFile) {
   EXPECT_LT(bytes.size(), 16U << 10);
   EXPECT_LT(CountOf(PartOf(bytes, "xl/worksheets/sheet1.xml"), "<c "), 100U);
-}
-
-TEST(WriteXlsx, LooksOfAnyRangesAreThoseOfTheModel) {
-  const bool holds = rc::check("every cell looks as it was made to", [] {
-    Workbook workbook;
-    Sheet& sheet = workbook.AddSheet("s");
-    const auto stretch = [](std::int32_t size) {
-      const auto first = *rc::gen::inRange(1, 8);
-      const auto last = *rc::gen::inRange(first, 9);
-      return std::pair(*rc::gen::element(1, first), last == 8 ? size : last);
-    };
-    for (int i = *rc::gen::inRange(0, 7); i > 0; --i) {
-      const auto rows = stretch(kRows);
-      const auto columns = stretch(kColumns);
-      // A block that is high and wide but reaches no edge would only make a large file.
-      const auto color = *rc::gen::element(kNone, 3, 41);
-      const CellRange range{rows.first, columns.first, rows.second, columns.second};
-      sheet.SetLook(range, Attribute::kFillColor, color);
-      sheet.SetLook(range, Attribute::kFillPattern, color == kNone ? kNone : kSolid);
-    }
-    for (int i = *rc::gen::inRange(0, 3); i > 0; --i) {
-      sheet.SetColumnWidth(*rc::gen::inRange(1, 10), 20);
-    }
-    sheet.Put({2, 2, kFormatOfPlace, 1.0});
-    const WrittenLooks looks(Write(workbook));
-    for (int row = 1; row <= 9; ++row) {
-      for (int column = 1; column <= 9; ++column) {
-        const auto color = Of(sheet.looks().At(row, column), Attribute::kFillColor);
-        const std::string expected = color == 3 ? "FF0000" : color == 41 ? "3366FF" : "";
-        RC_ASSERT(looks.FillOf(ColumnLetters(column) + std::to_string(row)) == expected);
-      }
-    }
-  });
-  EXPECT_TRUE(holds);
 }
 
 }  // namespace
