@@ -57,7 +57,7 @@ std::string_view CompoundFile::Sector(std::uint32_t sector) const {
     RaiseDamaged("sector " + std::to_string(sector) + " is past its end");
   }
   // The last sector of some writers' files is not filled up.
-  return bytes_.substr(begin, sector_size_);
+  return bytes_.substr(static_cast<std::size_t>(begin), sector_size_);
 }
 
 void CompoundFile::ReadTable(std::string_view header) {
@@ -148,11 +148,13 @@ std::optional<std::string> CompoundFile::Stream(std::string_view name) const {
       if (entry.size < small_limit_) {
         return SmallStream(entry);
       }
-      std::string stream = Chain(entry.start, entry.size);
+      // A size that no file has is cut short, whatever is read of it.
+      const std::uint64_t most = bytes_.size() + sector_size_;
+      std::string stream = Chain(entry.start, static_cast<std::size_t>(std::min(entry.size, most)));
       if (stream.size() < entry.size) {
         RaiseDamaged("the stream " + Quoted(name) + " is cut short");
       }
-      stream.resize(entry.size);
+      stream.resize(static_cast<std::size_t>(entry.size));
       return stream;
     }
     open.push_back(entry.left);
@@ -178,7 +180,7 @@ std::string CompoundFile::SmallStream(const Entry& entry) const {
     joined += small.substr(begin, kSmallSectorSize);
     sector = Read32(table, sector * 4);
   }
-  joined.resize(entry.size);
+  joined.resize(static_cast<std::size_t>(entry.size));
   return joined;
 }
 

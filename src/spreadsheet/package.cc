@@ -82,7 +82,8 @@ void Package::CheckDirectory(std::string_view bytes, std::size_t end) const {
   if (end >= kLocator && bytes.substr(end - kLocator).starts_with("PK\6\7")) {
     const std::uint64_t large = Read64(bytes, end - kLocator + 8);
     if (large < bytes.size() && bytes.size() - large >= kLargeRecord) {
-      count = std::max({count, Read64(bytes, large + 24), Read64(bytes, large + 32)});
+      const std::string_view record = bytes.substr(static_cast<std::size_t>(large));
+      count = std::max({count, Read64(record, 24), Read64(record, 32)});
     }
   }
   if (count > kMaxParts) {

@@ -25,7 +25,7 @@ std::string ReadBytes(const std::string& path) {
   if (size > kMaxFileBytes) {
     RaiseReadError(place, "is larger than " + MebibytesText(kMaxFileBytes));
   }
-  std::string bytes(size, '\0');
+  std::string bytes(static_cast<std::size_t>(size), '\0');
   std::ifstream file(std::filesystem::path(path), std::ios::binary);
   file.read(bytes.data(), static_cast<std::streamsize>(size));
   if (!file) {
