@@ -104,14 +104,15 @@
       : run.attribution ? run.attribution.none.finish : null;
   const hasWithout = () => Boolean(run.weather && run.distribution.without_weather);
 
-  /** The boxes that a mark's label may have, those before that are read more easily. */
+  /** The boxes that a mark's label may have, those before that are read more easily: beside the mark,
+      or over it where the chart ends. */
   function* labelBoxes(mark, at, width, area) {
+    const within = (left) => Math.max(area.left + 3, Math.min(left, area.right - width - 3));
     const sides = mark.side === 'left' ? [at - width - 7, at + 7] : [at + 7, at - width - 7];
-    const rooms = sides.filter((left) => left - 3 > area.left && left + width + 3 < area.right);
     const first = mark.share === undefined ? area.top + 14 : area.bottom - 10;
     const step = mark.share === undefined ? 20 : -20;
-    for (const left of rooms.length > 0 ? rooms : [Math.max(area.left, area.right - width)]) {
-      for (let i = 0; i * 20 < area.bottom - area.top - 20; ++i) {
+    for (const left of [...sides.filter((side) => within(side) === side), ...sides.map(within)]) {
+      for (let i = 0; i === 0 || i * 20 < area.bottom - area.top - 20; ++i) {
         const baseline = first + i * step;
         yield {left: left - 3, right: left + width + 3, top: baseline - 13, bottom: baseline + 5, baseline};
       }
@@ -127,7 +128,7 @@
     return heights.length > 0 && Math.min(...heights) < box.bottom && Math.max(...heights) > box.top;
   }
 
-  /** Draws vertical lines with labels, where no curve and no other label is if there is such a place,
+  /** Draws vertical lines with labels, where no other label and no curve is if there is such a place,
       and where they cross their curve a dot. */
   const marks = (list, colours) => ({
     id: 'marks',
@@ -143,12 +144,18 @@
       }));
       const boxes = [];
       list.forEach((mark, i) => {
-        const boxesOf = [...labelBoxes(mark, places[i].at, ctx.measureText(mark.text).width, area)];
-        const isFree = (box) => !curves.some((curve) => crosses(curve, box)) &&
-          !boxes.some((other) => other.left < box.right && other.right > box.left &&
-            other.top < box.bottom && other.bottom > box.top) &&
-          !places.some(({at, top}) => at > box.left && at < box.right && top < box.bottom);
-        boxes.push(boxesOf.find(isFree) || boxesOf[0]);
+        const overlaps = (box) => boxes.filter((other) => other.left < box.right &&
+          other.right > box.left && other.top < box.bottom && other.bottom > box.top).length;
+        const onCurves = (box) => curves.filter((curve) => crosses(curve, box)).length;
+        const onMarks = (box) => places.filter(({at, top}) =>
+          at > box.left && at < box.right && top < box.bottom).length;
+        let best;
+        for (const box of labelBoxes(mark, places[i].at, ctx.measureText(mark.text).width, area)) {
+          box.crossed = onCurves(box);
+          box.harm = 100 * overlaps(box) + 10 * box.crossed + onMarks(box);
+          best = best && best.harm <= box.harm ? best : box;
+        }
+        boxes.push(best);
       });
       list.forEach((mark, i) => {
         const {at, top} = places[i];
@@ -167,9 +174,11 @@
         }
       });
       list.forEach((mark, i) => {
-        const {left, right, top, bottom, baseline} = boxes[i];
-        ctx.fillStyle = colours.page;
-        ctx.fillRect(left, top, right - left, bottom - top);
+        const {left, right, top, bottom, baseline, crossed} = boxes[i];
+        if (!crossed) {  // else the curve would have a gap
+          ctx.fillStyle = colours.page;
+          ctx.fillRect(left, top, right - left, bottom - top);
+        }
         ctx.fillStyle = mark.colour;
         ctx.fillText(mark.text, left + 3, baseline);
       });
