@@ -87,10 +87,10 @@ std::string LedgerPart(const Figures& figures) {
              "Stacked bars: the mean days that each calendar loses in an iteration, by what became "
              "of them. The table below has all numbers.",
              "Every lost day is in one of four parts: no task of the calendar works on it anyway; "
-             "none of its tasks was under way; it held tasks up that had float; or it held up what "
-             "drove the finish. The last part is not yet the cost, since another path may be as "
-             "long.",
-             Behind("Numbers of the ledger", LedgerTable(figures))) +
+             "none of its tasks was under way; it held up tasks that had float; or it moved the "
+             "finish. What a calendar costs is another question: without it, other weather may "
+             "take the place of its days, or work may come to stand where there is none.",
+             , Behind("Numbers of the ledger", LedgerTable(figures))) +
          UnassignedNote(figures);
 }
 
