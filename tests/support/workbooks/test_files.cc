@@ -153,7 +153,7 @@ Parts ReadZip(std::string_view bytes) {
     zip_stat_t stat;
     const auto index = static_cast<zip_uint64_t>(i);
     Require(zip_stat_index(archive, index, 0, &stat) == 0);
-    std::string text(stat.size, '\0');
+    std::string text(static_cast<std::size_t>(stat.size), '\0');
     zip_file_t* const file = zip_fopen_index(archive, index, 0);
     Require(zip_fread(file, text.data(), text.size()) == static_cast<zip_int64_t>(text.size()));
     zip_fclose(file);
