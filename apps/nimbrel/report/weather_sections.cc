@@ -90,7 +90,7 @@ std::string LedgerPart(const Figures& figures) {
              "none of its tasks was under way; it held up tasks that had float; or it moved the "
              "finish. What a calendar costs is another question: without it, other weather may "
              "take the place of its days, or work may come to stand where there is none.",
-             , Behind("Numbers of the ledger", LedgerTable(figures))) +
+             Behind("Numbers of the ledger", LedgerTable(figures))) +
          UnassignedNote(figures);
 }
 
