@@ -157,6 +157,61 @@ TEST_F(Win32DesktopTest, TheHostsWindowTakesNoInputMeanwhileAndIsActiveAfterward
   ::DestroyWindow(host);
 }
 
+/// A window of the program that shows forms.
+class HostWindow {
+ public:
+  explicit HostWindow(DWORD style)
+      : window_(::CreateWindowExW(0, WC_STATICW, L"Host", style, 0, 0, 300, 200, nullptr, nullptr,
+                                  nullptr, nullptr)) {}
+  ~HostWindow() { ::DestroyWindow(window_); }
+  HostWindow(const HostWindow&) = delete;
+  HostWindow& operator=(const HostWindow&) = delete;
+
+  HWND window() const { return window_; }
+  bool TakesInput() const { return ::IsWindowEnabled(window_) != 0; }
+
+ private:
+  HWND window_;
+};
+
+TEST_F(Win32DesktopTest, WithoutAnOwnerNoVisibleWindowOfTheThreadTakesInputMeanwhile) {
+  const HostWindow host(WS_OVERLAPPEDWINDOW | WS_VISIBLE);
+  const HostWindow second(WS_OVERLAPPEDWINDOW | WS_VISIBLE);
+  const HostWindow hidden(WS_OVERLAPPEDWINDOW);
+  const HostWindow disabled(WS_OVERLAPPEDWINDOW | WS_VISIBLE | WS_DISABLED);
+  ::SetActiveWindow(host.window());
+  LargeForm form(desktop_);
+  HWND below = nullptr;
+  Then([&] {
+    below = Top();
+    EXPECT_NE(::IsWindowEnabled(below), 0);
+    EXPECT_FALSE(host.TakesInput());
+    EXPECT_FALSE(second.TakesInput());
+    EXPECT_TRUE(hidden.TakesInput());
+    Click(L"Add...");
+  });
+  Then([] { Click(L"Cancel"); });
+  Then([&] {
+    EXPECT_EQ(Top(), below);
+    EXPECT_FALSE(host.TakesInput()) << "a form above another one has given nothing back";
+    Click(L"Close");
+  });
+  form.ShowModal();
+  EXPECT_TRUE(host.TakesInput());
+  EXPECT_TRUE(second.TakesInput());
+  EXPECT_FALSE(disabled.TakesInput()) << "what took no input before takes none afterwards";
+}
+
+TEST_F(Win32DesktopTest, WithoutAnOwnerABoxTakesTheInputFromTheThreadsWindows) {
+  const HostWindow host(WS_OVERLAPPEDWINDOW | WS_VISIBLE);
+  Then([&host] {
+    EXPECT_FALSE(host.TakesInput());
+    ::PostMessageW(Top(), WM_COMMAND, IDOK, 0);
+  });
+  desktop_.MsgBox("text", "Weather Modeling");
+  EXPECT_TRUE(host.TakesInput());
+}
+
 TEST_F(Win32DesktopTest, AMessageBoxHasItsTextTitleAndOneButton) {
   Then([] {
     EXPECT_EQ(TitleOfTop(), L"Weather Modeling");

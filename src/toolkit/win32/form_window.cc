@@ -90,7 +90,6 @@ int Middle(int from, int to, int size) {
 FormWindow::FormWindow(Form& form, HWND owner)
     : form_(form),
       owner_(owner),
-      owner_was_enabled_(owner != nullptr && ::IsWindowEnabled(owner) != 0),
       bands_(TwipsBands::AreaOf(form, form.Width(), form.Height(), true)) {
   MakeClass(&FormWindow::Procedure);
   window_ = ::CreateWindowExW(kExtendedStyle, kClass, L"", kStyle, CW_USEDEFAULT, CW_USEDEFAULT,
@@ -109,10 +108,9 @@ FormWindow::FormWindow(Form& form, HWND owner)
 
 FormWindow::~FormWindow() {
   form_.SetObserver(nullptr);
-  if (owner_was_enabled_) {
-    // Before the window goes: else Windows would make some other one active.
-    ::EnableWindow(owner_, TRUE);
-  }
+  // Before the window goes: else Windows would make some other one active.
+  std::for_each(blocked_.begin(), blocked_.end(),
+                [](HWND window) { ::EnableWindow(window, TRUE); });
   names_.Clear();
   ::SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
   ::DestroyWindow(window_);
@@ -123,14 +121,27 @@ FormWindow::~FormWindow() {
 }
 
 void FormWindow::Show() {
-  if (owner_was_enabled_) {
-    ::EnableWindow(owner_, FALSE);
+  if (owner_ != nullptr) {
+    Block(owner_);
+  } else {
+    const auto block = [](HWND window, LPARAM form) -> BOOL {
+      reinterpret_cast<FormWindow*>(form)->Block(window);
+      return TRUE;
+    };
+    ::EnumThreadWindows(::GetCurrentThreadId(), block, reinterpret_cast<LPARAM>(this));
   }
   ::ShowWindow(window_, SW_SHOW);
   ::SetActiveWindow(window_);
   ::SetForegroundWindow(window_);
   Flush();
   PlaceFocus();
+}
+
+void FormWindow::Block(HWND window) {
+  if (window != window_ && ::IsWindowVisible(window) != 0 && ::IsWindowEnabled(window) != 0) {
+    ::EnableWindow(window, FALSE);
+    blocked_.push_back(window);
+  }
 }
 
 bool FormWindow::FillPane(const Container& container, const Pane& pane, TwipsBands& bands) {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 #include "toolkit/form.h"
 #include "toolkit/twips_bands.h"
@@ -24,7 +25,8 @@ class ContainerFace;
 /// it, or at the end of a gesture that is made here.
 ///
 /// The window hears the form as its observer; the form must outlive it. It has to be made and used
-/// on one thread. While it lives its owner takes no input.
+/// on one thread. From Show on, for as long as it lives, its owner takes no input; without an owner
+/// none of the thread's other windows does.
 class FormWindow final : private FormObserver, private FaceHost {
  public:
   /// `owner` may be null.
@@ -98,11 +100,13 @@ class FormWindow final : private FormObserver, private FaceHost {
   void ScrollTo(POINT place);
   SIZE LeastClient() const;
   void FitToScreen();
+  /// Takes the input from a window that has it, until this one goes.
+  void Block(HWND window);
 
   PaneClass pane_class_;
   Form& form_;
   HWND owner_;
-  bool owner_was_enabled_;
+  std::vector<HWND> blocked_;
   HWND window_ = nullptr;
   std::unique_ptr<Look> look_;
   Grounds grounds_;

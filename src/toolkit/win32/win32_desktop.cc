@@ -61,8 +61,10 @@ Answer Win32Desktop::ShowMessage(const Message& message) {
   const PerMonitorDpi dpi;
   const VisualStyles styles;
   const bool asks = message.buttons == Buttons::kYesNo;
+  // A box that no window owns takes the input from all of the thread's.
+  const UINT style = (asks ? MB_YESNO : MB_OK) | MB_TASKMODAL;
   const int button = ::MessageBoxW(TopWindow(), LinesToWide(message.text).c_str(),
-                                   ToWide(message.title).c_str(), asks ? MB_YESNO : MB_OK);
+                                   ToWide(message.title).c_str(), style);
   if (!asks) {
     return Answer::kOk;
   }

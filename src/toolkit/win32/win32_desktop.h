@@ -16,7 +16,7 @@ class FormWindow;
 class Win32Desktop final : public Desktop {
  public:
   /// `owner` is the window over which the first one opens, and which takes no input meanwhile; null
-  /// for none.
+  /// for none: then none of the thread's windows takes input meanwhile.
   explicit Win32Desktop(HWND owner = nullptr) : owner_(owner) {}
 
  protected:
