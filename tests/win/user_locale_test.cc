@@ -15,6 +15,22 @@ TEST(UserLocaleTest, TakesPatternsAsTheyAreWrittenHere) {
   EXPECT_EQ(PatternOf("M/d/yyyy", '/'), "m/d/yyyy");
   EXPECT_EQ(PatternOf("yyyy-MM-dd", '-'), "yyyy/mm/dd");
   EXPECT_EQ(PatternOf("d/M/yyyy 'г.'", '/'), "d/m/yyyy");
+  EXPECT_EQ(PatternOf("d.M.yyyy.", '.'), "d/m/yyyy");
+  EXPECT_EQ(PatternOf("yyyy. MM. dd.", '.'), "yyyy/mm/dd");
+  EXPECT_EQ(PatternOf("d.M.yyyy 'г.'", '.'), "d/m/yyyy");
+}
+
+TEST(UserLocaleTest, AFullStopBehindADateChangesNothingInItsOrder) {
+  const Date date = MakeDate(2027, 3, 5);
+  for (const char* name : {"hr-HR", "hu-HU", "lv-LV"}) {
+    const Locale locale = UserLocale(name);
+    EXPECT_NE(locale.order, DateOrder::kMonthDayYear) << name;
+    EXPECT_EQ(locale.date_separator, '.') << name;
+    EXPECT_EQ(ParseDate(DefaultDateText(date, locale), locale), date) << name;
+  }
+  EXPECT_EQ(ParseDate("5.3.2027", UserLocale("hr-HR")), date);
+  EXPECT_EQ(ParseDate("2027.3.5", UserLocale("hu-HU")), date);
+  EXPECT_EQ(UserLocale("hu-HU").order, DateOrder::kYearMonthDay);
 }
 
 TEST(UserLocaleTest, TakesNamesOrderAndSeparators) {

@@ -39,8 +39,23 @@ void ReadText(std::string& text, const std::wstring& locale, LCTYPE what) {
   }
 }
 
+/// A pattern without its quotes and what stands in them.
+std::string Unquoted(const std::string& pattern) {
+  std::string text;
+  bool quoted = false;
+  for (const char c : pattern) {
+    if (c == '\'') {
+      quoted = !quoted;
+    } else if (!quoted) {
+      text += c;
+    }
+  }
+  return text;
+}
+
 /// The first sign between two numbers of a pattern; none where there are only letters.
-char SeparatorOf(const std::string& pattern) {
+char SeparatorOf(const std::string& system_pattern) {
+  const std::string pattern = Unquoted(system_pattern);
   const auto found = std::find_if(pattern.begin(), pattern.end(),
                                   [](char c) { return c == '/' || c == '-' || c == '.'; });
   return found == pattern.end() ? '\0' : *found;
@@ -60,16 +75,15 @@ DateOrder OrderOf(const std::string& pattern) {
 
 std::string PatternOf(const std::string& system_pattern, char separator) {
   std::string pattern;
-  bool quoted = false;
-  for (const char c : system_pattern) {
-    if (c == '\'') {
-      quoted = !quoted;
-    } else if (!quoted && (c == 'd' || c == 'M' || c == 'y')) {
+  for (const char c : Unquoted(system_pattern)) {
+    if (c == 'd' || c == 'M' || c == 'y') {
       pattern += c == 'M' ? 'm' : c;
-    } else if (!quoted && c == separator) {
+    } else if (c == separator) {
       pattern += '/';
     }
   }
+  // Some languages have a full stop behind the last number, too.
+  pattern.erase(pattern.find_last_not_of('/') + 1);
   return pattern;
 }
 

@@ -14,7 +14,8 @@ namespace nimbrel::platform {
 Locale UserLocale(const std::string& name = {});
 
 /// A pattern of the system ("dd.MM.yyyy") as patterns are written here: letters in lower case, the
-/// separator between numbers as "/". Quotes go with what stands in them.
+/// separator between numbers as "/". Quotes go with what stands in them, and so does a separator
+/// behind the last number.
 std::string PatternOf(const std::string& system_pattern, char separator);
 
 }  // namespace nimbrel::platform
