@@ -52,9 +52,8 @@ HRESULT WINAPI DllRegisterServer() {
 
 HRESULT WINAPI DllUnregisterServer() {
   // For whom it was registered is not written anywhere.
-  const HRESULT user = com::UnregisterServer(com::ComponentEntry(), com::Scope::kUser);
-  const HRESULT machine = com::UnregisterServer(com::ComponentEntry(), com::Scope::kMachine);
-  return FAILED(user) ? user : machine == E_ACCESSDENIED ? S_OK : machine;
+  return com::ForUserAndMachine(
+      [](com::Scope scope) { return com::UnregisterServer(com::ComponentEntry(), scope); });
 }
 
 }  // extern "C"

@@ -125,8 +125,8 @@ int RunProgram(std::string_view arguments) {
       result = com::ForMachineOrUser(
           [](com::Scope scope) { return com::RegisterServer(Entry(), scope); });
     } else if (asks("/UnregServer")) {
-      com::UnregisterServer(Entry(), com::Scope::kUser);
-      result = com::UnregisterServer(Entry(), com::Scope::kMachine);
+      result = com::ForUserAndMachine(
+          [](com::Scope scope) { return com::UnregisterServer(Entry(), scope); });
     } else {
       result = com::Guarded(Serve, com::LeaveErrorInfo);
     }

@@ -39,7 +39,7 @@ class ComVariant {
   VARIANT Detach() noexcept;
 
  private:
-  VARIANT value_;
+  VARIANT value_{};
 };
 
 /// Turns an object of another program into one of ours. The argument may be null.

@@ -7,11 +7,14 @@
 
 // In the library of the import but not in the headers of mingw-w64.
 extern "C" HRESULT WINAPI RegisterTypeLibForUser(ITypeLib* library, OLECHAR* path, OLECHAR* help);
+extern "C" HRESULT WINAPI UnRegisterTypeLibForUser(REFGUID library, WORD major, WORD minor,
+                                                   LCID locale, SYSKIND kind);
 
 namespace nimbrel::com {
 namespace {
 
 constexpr const wchar_t* kClasses = L"Software\\Classes\\";
+constexpr bool kIs64Bit = sizeof(void*) == 8;
 
 HKEY RootOf(Scope scope) {
   return scope == Scope::kMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
@@ -24,7 +27,9 @@ std::wstring TextOf(REFGUID id) {
 }
 
 std::wstring VersionOf(const ServerEntry& server) {
-  return std::to_wstring(server.library_major) + L"." + std::to_wstring(server.library_minor);
+  std::array<wchar_t, 16> text{};
+  wsprintfW(text.data(), L"%x.%x", server.library_major, server.library_minor);
+  return text.data();
 }
 
 /// Writes values below a root, and stops at the first failure.
@@ -71,6 +76,47 @@ HRESULT RemoveKey(Scope scope, const std::wstring& key) {
   return status == ERROR_FILE_NOT_FOUND ? S_OK : HRESULT_FROM_WIN32(static_cast<DWORD>(status));
 }
 
+/// `view`: KEY_WOW64_32KEY or KEY_WOW64_64KEY, 0 for that of this width.
+bool HasKey(Scope scope, const std::wstring& key, REGSAM view = 0) {
+  HKEY opened = nullptr;
+  if (RegOpenKeyExW(RootOf(scope), (kClasses + key).c_str(), 0, KEY_READ | view, &opened) !=
+      ERROR_SUCCESS) {
+    return false;
+  }
+  RegCloseKey(opened);
+  return true;
+}
+
+/// Whether a programmatic identifier leads to the class, and no class of the other width needs it:
+/// identifiers are shared between the widths, classes are not. To be asked when the class is gone.
+bool IsLeftOver(const ClassEntry& entry, Scope scope) {
+  std::array<wchar_t, 40> id{};
+  DWORD size = sizeof(id);
+  if (RegGetValueW(RootOf(scope), (kClasses + entry.identifier + L"\\CLSID").c_str(), nullptr,
+                   RRF_RT_REG_SZ, nullptr, id.data(), &size) != ERROR_SUCCESS) {
+    return false;
+  }
+  const std::wstring own = TextOf(entry.id);
+  return CompareStringOrdinal(id.data(), -1, own.c_str(), -1, TRUE) == CSTR_EQUAL &&
+         !HasKey(scope, L"CLSID\\" + own, kIs64Bit ? KEY_WOW64_32KEY : KEY_WOW64_64KEY);
+}
+
+/// Takes out the library of this width and its interfaces.
+HRESULT UnregisterLibrary(const ServerEntry& server, Scope scope) {
+  const std::wstring key = L"TypeLib\\" + TextOf(server.library) + L"\\" + VersionOf(server) +
+                           (kIs64Bit ? L"\\0\\win64" : L"\\0\\win32");
+  if (!HasKey(scope, key)) {
+    return S_OK;
+  }
+  const auto unregister = scope == Scope::kMachine ? UnRegisterTypeLib : UnRegisterTypeLibForUser;
+  return unregister(server.library, server.library_major, server.library_minor, LOCALE_NEUTRAL,
+                    kIs64Bit ? SYS_WIN64 : SYS_WIN32);
+}
+
+HRESULT FirstFailure(HRESULT first, HRESULT second) {
+  return FAILED(first) ? first : second;
+}
+
 }  // namespace
 
 HRESULT RegisterServer(const ServerEntry& server, Scope scope) {
@@ -99,29 +145,25 @@ HRESULT RegisterServer(const ServerEntry& server, Scope scope) {
 }
 
 HRESULT UnregisterServer(const ServerEntry& server, Scope scope) {
-  HRESULT result = S_OK;
-  const auto note = [&result](HRESULT removed) {
-    if (FAILED(removed)) {
-      result = removed;
-    }
-  };
+  HRESULT result = server.library == GUID{} ? S_OK : UnregisterLibrary(server, scope);
   for (const ClassEntry& entry : server.classes) {
-    note(RemoveKey(scope, L"CLSID\\" + TextOf(entry.id)));
-    note(RemoveKey(scope, entry.identifier));
+    result = FirstFailure(result, RemoveKey(scope, L"CLSID\\" + TextOf(entry.id)));
+    if (IsLeftOver(entry, scope)) {
+      result = FirstFailure(result, RemoveKey(scope, entry.identifier));
+    }
   }
-  if (server.library == GUID{}) {
-    return result;
-  }
-  note(RemoveKey(scope, L"TypeLib\\" + TextOf(server.library) + L"\\" + VersionOf(server)));
-  // The library's own key goes with its last version.
-  RegDeleteKeyW(RootOf(scope), (kClasses + (L"TypeLib\\" + TextOf(server.library))).c_str());
-  return result;
+  return result == TYPE_E_REGISTRYACCESS ? E_ACCESSDENIED : result;
 }
 
 HRESULT ForMachineOrUser(const std::function<HRESULT(Scope)>& attempt) {
   const HRESULT result = attempt(Scope::kMachine);
   const bool rights_missing = result == E_ACCESSDENIED || result == TYPE_E_REGISTRYACCESS;
   return rights_missing ? attempt(Scope::kUser) : result;
+}
+
+HRESULT ForUserAndMachine(const std::function<HRESULT(Scope)>& attempt) {
+  const HRESULT user = attempt(Scope::kUser);
+  return FirstFailure(user, attempt(Scope::kMachine));
 }
 
 std::wstring OwnPath() {

@@ -29,12 +29,20 @@ struct ServerEntry {
 enum class Scope { kMachine, kUser };
 
 /// Enter the classes and the type library in the registry, and take them out. What is already as it
-/// should be is no failure, and nothing of what an entry has not written is removed.
+/// should be is no failure. Entering takes a programmatic identifier from the class that it led to
+/// before; taking out removes it if it still leads to the entry's own class and that class is not
+/// registered in the other width, and brings back nothing of what it was before. Of the type
+/// library the path for this width goes, and with the last path the rest. Taking out what is there
+/// but may not be removed gives E_ACCESSDENIED.
 HRESULT RegisterServer(const ServerEntry& server, Scope scope);
 HRESULT UnregisterServer(const ServerEntry& server, Scope scope);
 
 /// `attempt` for the machine, and for the user alone where rights are missing for that.
 HRESULT ForMachineOrUser(const std::function<HRESULT(Scope)>& attempt);
+
+/// `attempt` for the user and then for the machine, whatever becomes of the first. Gives the first
+/// failure.
+HRESULT ForUserAndMachine(const std::function<HRESULT(Scope)>& attempt);
 
 /// The file of the DLL or program that this code is in.
 std::wstring OwnPath();

@@ -150,6 +150,44 @@ TEST_F(ComponentTest, IsUnknownOnceItIsUnregistered) {
   EXPECT_EQ(ErrorOf([] { Create("Nimbrel.clsNimbrel"); }).first, 429);
 }
 
+bool HasClassesKey(const std::wstring& key) {
+  HKEY opened = nullptr;
+  const bool is_there =
+      RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &opened) == ERROR_SUCCESS;
+  RegCloseKey(opened);
+  return is_there;
+}
+
+constexpr const wchar_t* kInterfaces[] = {L"Interface\\{5EBDCD03-0049-5C27-B43A-29E3ED1B75F9}",
+                                          L"Interface\\{DA10606F-C100-5127-A18E-DBE46A7FC773}"};
+const std::wstring kLibrary = L"TypeLib\\{74CDF0A1-027F-5FF5-8739-CA1D74C7F12E}";
+const std::wstring kOwnWidth =
+    kLibrary + (sizeof(void*) == 8 ? L"\\1.0\\0\\win64" : L"\\1.0\\0\\win32");
+const std::wstring kOtherWidth =
+    kLibrary + (sizeof(void*) == 8 ? L"\\1.0\\0\\win32" : L"\\1.0\\0\\win64");
+
+TEST_F(ComponentTest, UnregisteredItLeavesNoInterfaceAndNoLibrary) {
+  for (const wchar_t* key : kInterfaces) {
+    EXPECT_TRUE(HasClassesKey(key));
+  }
+  EXPECT_TRUE(HasClassesKey(kOwnWidth));
+  ASSERT_EQ(CallExport("DllUnregisterServer"), S_OK);
+  for (const wchar_t* key : kInterfaces) {
+    EXPECT_FALSE(HasClassesKey(key));
+  }
+  EXPECT_FALSE(HasClassesKey(kLibrary));
+}
+
+TEST_F(ComponentTest, UnregisteredItLeavesTheLibraryOfTheOtherWidth) {
+  HKEY other = nullptr;
+  ASSERT_EQ(RegCreateKeyW(HKEY_CLASSES_ROOT, kOtherWidth.c_str(), &other), ERROR_SUCCESS);
+  RegCloseKey(other);
+  ASSERT_EQ(CallExport("DllUnregisterServer"), S_OK);
+  EXPECT_FALSE(HasClassesKey(kOwnWidth));
+  EXPECT_TRUE(HasClassesKey(kOtherWidth));
+  RegDeleteTreeW(HKEY_CLASSES_ROOT, kLibrary.c_str());
+}
+
 TEST_F(ComponentTest, ARunThroughComGivesTheSameDatesBitForBit) {
   OpenTrialPlan();
   nimbrel_ = Create("Nimbrel.clsNimbrel");

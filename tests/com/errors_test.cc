@@ -139,6 +139,83 @@ TEST(Registration, IsForTheUserAloneWhereRightsAreMissing) {
   EXPECT_THAT(scopes, ::testing::ElementsAre(Scope::kMachine));
 }
 
+TEST(Registration, IsTakenOutForTheUserAndTheMachineAndEitherFailureIsTold) {
+  std::vector<Scope> scopes;
+  const auto attempt = [&](HRESULT user, HRESULT machine) {
+    scopes.clear();
+    return ForUserAndMachine([&](Scope scope) {
+      scopes.push_back(scope);
+      return scope == Scope::kUser ? user : machine;
+    });
+  };
+  EXPECT_EQ(attempt(S_OK, S_OK), S_OK);
+  EXPECT_EQ(attempt(S_OK, E_ACCESSDENIED), E_ACCESSDENIED);
+  EXPECT_EQ(attempt(E_FAIL, S_OK), E_FAIL);
+  EXPECT_THAT(scopes, ::testing::ElementsAre(Scope::kUser, Scope::kMachine));
+}
+
+/// A key of the machine's classes, which goes with this.
+class MachineKey {
+ public:
+  /// `view`: KEY_WOW64_32KEY or KEY_WOW64_64KEY. `value` becomes the default value.
+  MachineKey(std::wstring key, REGSAM view, const std::wstring& value = L"")
+      : path_(L"Software\\Classes\\" + std::move(key)), view_(view) {
+    HKEY opened = nullptr;
+    RegCreateKeyExW(HKEY_LOCAL_MACHINE, path_.c_str(), 0, nullptr, 0, KEY_WRITE | view_, nullptr,
+                    &opened, nullptr);
+    RegSetValueExW(opened, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                   static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+    RegCloseKey(opened);
+  }
+  ~MachineKey() { Remove(); }
+  MachineKey(const MachineKey&) = delete;
+  MachineKey& operator=(const MachineKey&) = delete;
+
+  void Remove() const { RegDeleteKeyExW(HKEY_LOCAL_MACHINE, path_.c_str(), view_, 0); }
+
+ private:
+  std::wstring path_;
+  REGSAM view_;
+};
+
+/// A default value of the machine's classes; "none" if there is none.
+std::wstring MachineValue(const std::wstring& key) {
+  wchar_t text[300] = {};
+  DWORD size = sizeof(text);
+  return RegGetValueW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + key).c_str(), nullptr,
+                      RRF_RT_REG_SZ, nullptr, text, &size) == ERROR_SUCCESS
+             ? text
+             : L"none";
+}
+
+const ServerEntry kProbe = {
+    .path = L"C:\\none\\probe.dll",
+    .classes = {{{0x3f3a1c42, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}}, L"Nimbrel.Probe2", L"Probe"}}};
+constexpr const wchar_t* kProbeClass = L"CLSID\\{3F3A1C42-0001-0002-0304-05060708090A}";
+constexpr REGSAM kOtherWidth = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+
+TEST(Registration, AnIdentifierThatAnotherClassHasTakenStays) {
+  ASSERT_EQ(RegisterServer(kProbe, Scope::kMachine), S_OK);
+  const MachineKey taken(L"Nimbrel.Probe2\\CLSID", 0, L"{4F3A1C42-0001-0002-0304-05060708090A}");
+  EXPECT_EQ(UnregisterServer(kProbe, Scope::kMachine), S_OK);
+  EXPECT_EQ(MachineValue(L"Nimbrel.Probe2\\CLSID"), L"{4F3A1C42-0001-0002-0304-05060708090A}");
+  RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\Nimbrel.Probe2");
+}
+
+TEST(Registration, AnIdentifierStaysForTheClassOfTheOtherWidth) {
+  const MachineKey other(kProbeClass, kOtherWidth, L"Probe");
+  if (MachineValue(kProbeClass) != L"none") {
+    GTEST_SKIP() << "this system has one width only";
+  }
+  ASSERT_EQ(RegisterServer(kProbe, Scope::kMachine), S_OK);
+  EXPECT_EQ(UnregisterServer(kProbe, Scope::kMachine), S_OK);
+  EXPECT_EQ(MachineValue(kProbeClass), L"none");
+  EXPECT_NE(MachineValue(L"Nimbrel.Probe2\\CLSID"), L"none");
+  other.Remove();
+  EXPECT_EQ(UnregisterServer(kProbe, Scope::kMachine), S_OK);
+  EXPECT_EQ(MachineValue(L"Nimbrel.Probe2\\CLSID"), L"none");
+}
+
 TEST(Registration, ForTheUserWritesAndRemovesTheUsersKeys) {
   const ServerEntry entry = {
       .path = ProgramBeside(L"NimbrelTrialHost.exe"),
