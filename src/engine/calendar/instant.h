@@ -56,7 +56,8 @@ class Instant {
     return instant;
   }
 
-  friend constexpr auto operator<=>(Instant, Instant) = default;
+  // The linter takes the 0 that the compiler compares with for a pointer.
+  friend constexpr auto operator<=>(Instant, Instant) = default;  // NOLINT(modernize-use-nullptr)
 
  private:
   static constexpr int kShift = 11;

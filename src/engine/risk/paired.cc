@@ -67,6 +67,7 @@ DayInterval IntervalOfDifference(const PairedPercentiles& of, const PairedPercen
   constexpr int kSteps = 80;
   constexpr std::size_t kTail = kSteps * kSteps / 40;  // 2.5% of them
   std::vector<double> normal;
+  normal.reserve(kSteps);
   for (int i = 0; i < kSteps; ++i) {
     normal.push_back(Normal().Quantile((i + 0.5) / kSteps));
   }

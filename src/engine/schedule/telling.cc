@@ -72,15 +72,16 @@ void ScheduleTelling::DrivingPath(const Scheduler& scheduler, TaskIndex target,
   Network& network = scheduler.network();
   marked_.resize(network.dirty.size());
   const auto mark = [this](Slot slot) {
-    marked_[static_cast<std::size_t>(slot >> 6)] |= std::uint64_t{1} << (slot & 63);
+    marked_[static_cast<std::size_t>(slot) / 64] |= std::uint64_t{1}
+                                                    << (static_cast<unsigned>(slot) % 64);
   };
   VisitEnds(network, target, mark);
   path.clear();
   // Predecessors come earlier in the order, so that one sweep back meets each task once.
   for (std::size_t word = marked_.size(); word-- > 0;) {
     while (marked_[word] != 0) {
-      const int bit = 63 - std::countl_zero(marked_[word]);
-      const Slot slot = static_cast<Slot>(word) * 64 + bit;
+      const unsigned bit = 63U - static_cast<unsigned>(std::countl_zero(marked_[word]));
+      const Slot slot = static_cast<Slot>(word * 64 + bit);
       marked_[word] &= ~(std::uint64_t{1} << bit);
       path.push_back(network.index_at[static_cast<std::size_t>(slot)]);
       for (const InLink& link : network.in_links[slot]) {

@@ -124,17 +124,18 @@ void FormWindow::Show() {
   if (owner_ != nullptr) {
     Block(owner_);
   } else {
-    const auto block = [](HWND window, LPARAM form) -> BOOL {
-      reinterpret_cast<FormWindow*>(form)->Block(window);
-      return TRUE;
-    };
-    ::EnumThreadWindows(::GetCurrentThreadId(), block, reinterpret_cast<LPARAM>(this));
+    ::EnumThreadWindows(::GetCurrentThreadId(), BlockOne, reinterpret_cast<LPARAM>(this));
   }
   ::ShowWindow(window_, SW_SHOW);
   ::SetActiveWindow(window_);
   ::SetForegroundWindow(window_);
   Flush();
   PlaceFocus();
+}
+
+BOOL CALLBACK FormWindow::BlockOne(HWND window, LPARAM form) {
+  reinterpret_cast<FormWindow*>(form)->Block(window);
+  return TRUE;
 }
 
 void FormWindow::Block(HWND window) {

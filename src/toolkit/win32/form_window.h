@@ -102,6 +102,8 @@ class FormWindow final : private FormObserver, private FaceHost {
   void FitToScreen();
   /// Takes the input from a window that has it, until this one goes.
   void Block(HWND window);
+  /// Block(), as the system calls it for each window of a thread; `form` is the form window.
+  static BOOL CALLBACK BlockOne(HWND window, LPARAM form);
 
   PaneClass pane_class_;
   Form& form_;
