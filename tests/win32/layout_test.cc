@@ -82,9 +82,13 @@ INSTANTIATE_TEST_SUITE_P(Dpi, Resolutions, ::testing::Values(96U, 120U, 144U, 19
 TEST_F(LayoutTest, AWindowThatGoesToAnotherScreenAndBackIsAsBefore) {
   LargeForm form(desktop_);
   InWindow(form, [&] {
+    // Low enough to fit a screen of 1024 rows at 200%, too.
+    ::SetWindowPos(window().Window(), nullptr, 0, 0, WidthOf(BoundsOf(window().Window())), 480,
+                   SWP_NOMOVE | SWP_NOZORDER);
     const RECT window_before = BoundsOf(window().Window());
     const RECT before = BoundsOf(Drawn(form.lstRows));
     MoveToScreenOf(192);
+    EXPECT_EQ(HeightOf(BoundsOf(window().Window())), 2 * HeightOf(window_before));
     EXPECT_EQ(WidthOf(BoundsOf(window().Window())), 2 * WidthOf(window_before));
     EXPECT_NEAR(WidthOf(BoundsOf(Drawn(form.lstRows))), 2 * WidthOf(before),
                 16);  // borders don't grow everywhere
