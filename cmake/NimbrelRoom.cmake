@@ -7,7 +7,8 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 find_program(NIMBREL_CCACHE ccache)
 if(NIMBREL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${NIMBREL_CCACHE}")
+  # It takes compiled headers for what they were made of, of which the tests have some.
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${NIMBREL_CCACHE}")
 endif()
 
 add_library(nimbrel_settings INTERFACE)
