@@ -22,7 +22,7 @@ constexpr std::int32_t kServerGone = 462;
 constexpr std::int32_t kOutOfMemory = 7;
 
 /// Failures of COM that run-time errors have numbers for.
-constexpr std::array<std::pair<HRESULT, std::int32_t>, 20> kNumbers = {{
+constexpr std::array<std::pair<HRESULT, std::int32_t>, 23> kNumbers = {{
     {DISP_E_UNKNOWNINTERFACE, platform::kMemberNotFound},
     {DISP_E_MEMBERNOTFOUND, platform::kMemberNotFound},
     {DISP_E_UNKNOWNNAME, platform::kMemberNotFound},
@@ -41,8 +41,11 @@ constexpr std::array<std::pair<HRESULT, std::int32_t>, 20> kNumbers = {{
     {CO_E_SERVER_EXEC_FAILURE, platform::kCannotCreateObject},
     {RPC_E_DISCONNECTED, kServerGone},
     {RPC_E_SERVER_DIED, kServerGone},
+    {RPC_E_SERVER_DIED_DNE, kServerGone},
+    {CO_E_OBJNOTCONNECTED, kServerGone},
     {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), kServerGone},
     {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED), kServerGone},
+    {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE), kServerGone},
 }};
 
 std::string SystemText(HRESULT failure) {

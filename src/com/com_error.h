@@ -43,17 +43,22 @@ HRESULT LeaveErrorInfo(const platform::RuntimeError& error);
 
 /// Runs an operation that an outside caller waits for: no exception gets out. A run-time error, or
 /// whatever else it raises as one with the number 1004, goes to `failed`, whose result is returned.
+/// E_OUTOFMEMORY where memory is missing, be it to tell the failure.
 template <class Operation, class Failed>
-HRESULT Guarded(const Operation& operation, const Failed& failed) {
+HRESULT Guarded(const Operation& operation, const Failed& failed) noexcept {
   try {
-    operation();
-    return S_OK;
-  } catch (const platform::RuntimeError& error) {
-    return failed(error);
-  } catch (const std::bad_alloc&) {
+    try {
+      operation();
+      return S_OK;
+    } catch (const platform::RuntimeError& error) {
+      return failed(error);
+    } catch (const std::bad_alloc&) {
+      return E_OUTOFMEMORY;
+    } catch (const std::exception& error) {
+      return failed(platform::RuntimeError(platform::kApplicationDefined, error.what()));
+    }
+  } catch (...) {
     return E_OUTOFMEMORY;
-  } catch (const std::exception& error) {
-    return failed(platform::RuntimeError(platform::kApplicationDefined, error.what()));
   }
 }
 

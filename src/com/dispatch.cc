@@ -11,12 +11,14 @@ namespace {
 
 constexpr WORD kRead = DISPATCH_PROPERTYGET | DISPATCH_METHOD;
 constexpr ULONG kBatch = 32;
+/// Names of members and formats of cells are English ones, whatever language the user has.
+constexpr LCID kLanguage = MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT);
 
 DISPID AskForId(IDispatch& object, const std::string& subject, std::string_view member) {
   std::wstring name = platform::ToWide(member);
   wchar_t* names = name.data();
   DISPID id = DISPID_UNKNOWN;
-  if (const HRESULT result = object.GetIDsOfNames(IID_NULL, &names, 1, LOCALE_SYSTEM_DEFAULT, &id);
+  if (const HRESULT result = object.GetIDsOfNames(IID_NULL, &names, 1, kLanguage, &id);
       FAILED(result)) {
     RaiseFailure(result, subject);
   }
@@ -53,8 +55,8 @@ void Dispatch::Put(std::string_view member, const VARIANT& value,
   DISPID put = DISPID_PROPERTYPUT;
   DISPPARAMS parameters = {backwards.data(), &put, static_cast<UINT>(backwards.size()), 1};
   const auto invoke = [&](WORD flags, EXCEPINFO& exception) {
-    return object_->Invoke(id, IID_NULL, LOCALE_SYSTEM_DEFAULT, flags, &parameters, nullptr,
-                           &exception, nullptr);
+    return object_->Invoke(id, IID_NULL, kLanguage, flags, &parameters, nullptr, &exception,
+                           nullptr);
   };
   EXCEPINFO exception = {};
   HRESULT result = DISP_E_MEMBERNOTFOUND;
@@ -74,8 +76,8 @@ std::vector<ComVariant> Dispatch::Elements() const {
   DISPPARAMS none = {};
   EXCEPINFO exception = {};
   ComVariant made;
-  if (const HRESULT result = object_->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_SYSTEM_DEFAULT, kRead,
-                                             &none, made.get(), &exception, nullptr);
+  if (const HRESULT result = object_->Invoke(DISPID_NEWENUM, IID_NULL, kLanguage, kRead, &none,
+                                             made.get(), &exception, nullptr);
       FAILED(result)) {
     RaiseInvokeFailure(result, exception, subject);
   }
@@ -88,10 +90,11 @@ std::vector<ComVariant> Dispatch::Elements() const {
   }
   std::vector<ComVariant> elements;
   HRESULT result = S_OK;
-  while (result == S_OK) {
+  ULONG fetched = kBatch;
+  while (result == S_OK && fetched != 0) {
     std::vector<VARIANT> batch(kBatch);
     std::for_each(batch.begin(), batch.end(), [](VARIANT& element) { VariantInit(&element); });
-    ULONG fetched = 0;
+    fetched = 0;
     result = walk->Next(kBatch, batch.data(), &fetched);
     Check(result, subject);
     for (ULONG i = 0; i < fetched; ++i) {
@@ -113,8 +116,8 @@ ComVariant Dispatch::Invoke(std::string_view member, WORD flags,
   DISPPARAMS parameters = {backwards.data(), nullptr, static_cast<UINT>(backwards.size()), 0};
   EXCEPINFO exception = {};
   ComVariant result;
-  if (const HRESULT outcome = object_->Invoke(id, IID_NULL, LOCALE_SYSTEM_DEFAULT, flags,
-                                              &parameters, result.get(), &exception, nullptr);
+  if (const HRESULT outcome = object_->Invoke(id, IID_NULL, kLanguage, flags, &parameters,
+                                              result.get(), &exception, nullptr);
       FAILED(outcome)) {
     RaiseInvokeFailure(outcome, exception, Subject(member));
   }

@@ -47,6 +47,8 @@ class DualObject : public ComObject<Interface, ISupportErrorInfo> {
   HRESULT Run(const Operation& operation) {
     // The caller may let this go while it runs.
     const ComPtr<Interface> kept(this);
+    // What an earlier call has left is no error of this one.
+    SetErrorInfo(0, nullptr);
     return Guarded(operation, LeaveErrorInfo);
   }
 

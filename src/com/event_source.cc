@@ -15,6 +15,8 @@ namespace {
 using Corvane8::ApplicationEvents;
 
 constexpr std::int32_t kNoSuchEvents = 459;
+/// The registry has the versions of type libraries in hexadecimal.
+constexpr int kVersionBase = 16;
 constexpr std::array<const wchar_t*, 4> kNames = {
     L"PlanBeforeRiskAnalysis", L"PlanBeforeRiskIteration", L"PlanAfterRiskIteration",
     L"PlanAfterRiskAnalysis"};
@@ -38,12 +40,12 @@ ComPtr<ITypeInfo> RegisteredClass(REFCLSID class_id) {
   }
   const std::wstring version = ClassValue(class_id, L"Version");
   wchar_t* minor = nullptr;
-  const unsigned long major = std::wcstoul(version.c_str(), &minor, 10);
+  const unsigned long major = std::wcstoul(version.c_str(), &minor, kVersionBase);
   ComPtr<ITypeLib> library;
   ComPtr<ITypeInfo> found;
   if (SUCCEEDED(LoadRegTypeLib(
           library_id, static_cast<WORD>(major),
-          static_cast<WORD>(*minor == L'.' ? std::wcstoul(minor + 1, nullptr, 10) : 0),
+          static_cast<WORD>(*minor == L'.' ? std::wcstoul(minor + 1, nullptr, kVersionBase) : 0),
           LOCALE_SYSTEM_DEFAULT, library.Receive()))) {
     library->GetTypeInfoOfGuid(class_id, found.Receive());
   }
@@ -56,6 +58,20 @@ ComPtr<ITypeInfo> ToldClass(IUnknown& object) {
   if (const auto provider =
           ComPtr<IUnknown>(&object).As<IProvideClassInfo>(IID_IProvideClassInfo)) {
     provider->GetClassInfo(found.Receive());
+  }
+  return found;
+}
+
+/// The class in the type library that the object's own interface stands in, null if there is none.
+ComPtr<ITypeInfo> ClassBesideInterface(IUnknown& object, REFCLSID class_id) {
+  ComPtr<ITypeInfo> own;
+  ComPtr<ITypeLib> library;
+  ComPtr<ITypeInfo> found;
+  UINT index = 0;
+  const auto dispatch = ComPtr<IUnknown>(&object).As<IDispatch>(IID_IDispatch);
+  if (dispatch && SUCCEEDED(dispatch->GetTypeInfo(0, LOCALE_SYSTEM_DEFAULT, own.Receive())) &&
+      own && SUCCEEDED(own->GetContainingTypeLib(library.Receive(), &index))) {
+    library->GetTypeInfoOfGuid(class_id, found.Receive());
   }
   return found;
 }
@@ -95,7 +111,8 @@ bool ReadNumbers(ITypeInfo& source, EventNumbers& numbers) {
 
 EventNumbers FindEvents(IUnknown& object, REFCLSID class_id) {
   EventNumbers numbers;
-  for (const ComPtr<ITypeInfo>& info : {RegisteredClass(class_id), ToldClass(object)}) {
+  for (const ComPtr<ITypeInfo>& info :
+       {RegisteredClass(class_id), ToldClass(object), ClassBesideInterface(object, class_id)}) {
     const ComPtr<ITypeInfo> source = info ? DefaultSource(*info.get()) : nullptr;
     if (source && ReadNumbers(*source.get(), numbers)) {
       return numbers;
@@ -157,7 +174,7 @@ class EventSource::Sink final : public ComObject<IDispatch> {
     }
     // Arguments stand from the last to the first.
     const VARIANT& plan_argument = parameters.rgvarg[parameters.cArgs - 1];
-    const auto plan = FromHost<Ref<Corvane8::Plan>>(Direct(plan_argument), ids_);
+    const auto plan = FromHost<Ref<Corvane8::Plan>>(plan_argument, ids_);
     const Long iteration = parameters.cArgs == 2 ? FromHost<Long>(parameters.rgvarg[0], ids_) : 0;
     switch (event) {
       case 0:
@@ -171,16 +188,6 @@ class EventSource::Sink final : public ComObject<IDispatch> {
     }
   }
 
-  /// An object argument without the reference that it may come by.
-  static VARIANT Direct(const VARIANT& argument) {
-    VARIANT direct = argument;
-    if (argument.vt == (VT_BYREF | VT_DISPATCH)) {
-      direct.vt = VT_DISPATCH;
-      direct.pdispVal = *argument.ppdispVal;
-    }
-    return direct;
-  }
-
   EventNumbers numbers_;
   std::shared_ptr<MemberIds> ids_;
   ApplicationEvents* events_;
@@ -191,7 +198,7 @@ EventSource::EventSource(ComPtr<IUnknown> object, REFCLSID class_id, std::shared
 
 EventSource::~EventSource() {
   for (const Subscription& subscription : subscriptions_) {
-    subscription.sink->Disconnect();
+    End(subscription);
   }
 }
 
@@ -215,8 +222,17 @@ void EventSource::Unsubscribe(ApplicationEvents* events) {
   }
   const Subscription ended = *found;
   subscriptions_.erase(std::next(found).base());
-  ended.sink->Disconnect();
-  Check(ConnectionPoint()->Unadvise(ended.cookie), "Application.Unadvise");
+  End(ended);
+}
+
+void EventSource::End(const Subscription& subscription) {
+  subscription.sink->Disconnect();
+  if (g_references_abandoned) {
+    return;
+  }
+  platform::IgnoreErrors([&] { ConnectionPoint()->Unadvise(subscription.cookie); });
+  // A host that has ended never lets go of it, and the component could not be unloaded.
+  CoDisconnectObject(subscription.sink.get(), 0);
 }
 
 ComPtr<IConnectionPoint> EventSource::ConnectionPoint() {

@@ -18,8 +18,8 @@ struct EventNumbers {
 };
 
 /// The event interface of an object of the class `class_id`: from the type library that the class
-/// is registered with, else from the object's own information. Raises error 459 where neither has
-/// the four events.
+/// is registered with, else from what the object tells of its class, else from the type library
+/// that the object's interface stands in. Raises error 459 where none has the four events.
 EventNumbers FindEvents(IUnknown& object, REFCLSID class_id);
 
 /// Subscriptions to the events of one host object.
@@ -35,7 +35,7 @@ class EventSource {
   /// events.
   void Subscribe(Corvane8::ApplicationEvents* events);
   /// Ends the last subscription of `events`; without one it does nothing. No event reaches `events`
-  /// afterwards, also where the host fails at this.
+  /// afterwards, also where the host has ended or fails at this, which raises nothing.
   void Unsubscribe(Corvane8::ApplicationEvents* events);
 
  private:
@@ -46,6 +46,7 @@ class EventSource {
     DWORD cookie;
   };
 
+  void End(const Subscription& subscription);
   ComPtr<IConnectionPoint> ConnectionPoint();
 
   ComPtr<IUnknown> object_;

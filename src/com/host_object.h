@@ -73,19 +73,16 @@ ComVariant ToHost(const T& value) {
   }
 }
 
+/// The object that a value is, which may lie elsewhere (VT_BYREF); null for Nothing. Raises error
+/// 424 for what is no object, 13 for one without members.
+ComPtr<IDispatch> ObjectOf(const VARIANT& value);
+
 /// The value that the host has given, as the kind that is expected; raises error 13 if it is not
-/// and cannot be turned into it.
+/// and cannot be turned into it, 424 where an object is expected.
 template <class Result>
 Result FromHost(const VARIANT& value, const std::shared_ptr<MemberIds>& ids) {
   if constexpr (IsReference<Result>::value) {
-    using Interface = typename IsReference<Result>::Interface;
-    ComPtr<IDispatch> object;
-    if (value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN) {
-      object = ComPtr<IUnknown>(value.punkVal).As<IDispatch>(IID_IDispatch);
-    } else if (value.vt != VT_EMPTY) {
-      throw platform::RuntimeError(platform::kTypeMismatch, "Type mismatch: no object");
-    }
-    return MakeHostObject<Interface>(object.get(), ids);
+    return MakeHostObject<typename IsReference<Result>::Interface>(ObjectOf(value).get(), ids);
   } else {
     const platform::Variant given =
         FromComVariant(value, [](IDispatch*) -> platform::Ref<platform::Object> {

@@ -2,6 +2,23 @@
 
 namespace nimbrel::com {
 
+ComPtr<IDispatch> ObjectOf(const VARIANT& value) {
+  ComVariant direct;
+  if (FAILED(VariantCopyInd(direct.get(), const_cast<VARIANT*>(&value))) ||
+      (direct.type() != VT_DISPATCH && direct.type() != VT_UNKNOWN)) {
+    throw platform::RuntimeError(platform::kObjectRequired, "Object required");
+  }
+  if (direct.get()->punkVal == nullptr) {
+    return nullptr;
+  }
+  auto object = ComPtr<IUnknown>(direct.get()->punkVal).As<IDispatch>(IID_IDispatch);
+  if (!object) {
+    throw platform::RuntimeError(platform::kTypeMismatch,
+                                 "Type mismatch: an object without members");
+  }
+  return object;
+}
+
 std::vector<Ref<Corvane8::Task>> HostTask::get_Children() {
   const ComVariant children = dispatch().Get("Children");
   if (children.type() != VT_DISPATCH || children.get()->pdispVal == nullptr) {

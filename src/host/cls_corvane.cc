@@ -58,19 +58,25 @@ void clsCorvane::m_CorvyApp_PlanBeforeRiskIteration(Ref<Corvane8::Plan> Plan, Lo
   }
 }
 
+// A handler may end the subscription, and with it the last reference to its subscriber.
+
 void clsCorvane::PlanBeforeRiskAnalysis(const Ref<Corvane8::Plan>& plan) {
+  const Ref<clsCorvane> kept(this);
   m_CorvyApp_PlanBeforeRiskAnalysis(plan);
 }
 
 void clsCorvane::PlanBeforeRiskIteration(const Ref<Corvane8::Plan>& plan, Long iteration) {
+  const Ref<clsCorvane> kept(this);
   m_CorvyApp_PlanBeforeRiskIteration(plan, iteration);
 }
 
 void clsCorvane::PlanAfterRiskIteration(const Ref<Corvane8::Plan>& plan, Long iteration) {
+  const Ref<clsCorvane> kept(this);
   m_CorvyApp_PlanAfterRiskIteration(plan, iteration);
 }
 
 void clsCorvane::PlanAfterRiskAnalysis(const Ref<Corvane8::Plan>& plan) {
+  const Ref<clsCorvane> kept(this);
   m_CorvyApp_PlanAfterRiskAnalysis(plan);
 }
 

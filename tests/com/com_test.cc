@@ -110,4 +110,14 @@ TrialProgram& SharedTrialProgram() {
   return *g_shared;
 }
 
+void EndSharedTrialProgram() {
+  constexpr DWORD kPause = 20;  // milliseconds
+  AutomationObject& control = SharedTrialProgram().control();
+  control.Call("Quit");
+  while (ErrorOf([&control] { control.Get("ObjectsHeld"); }).first == 0) {
+    Sleep(kPause);
+  }
+  g_shared = nullptr;
+}
+
 }  // namespace nimbrel::com

@@ -48,5 +48,8 @@ class TrialProgram {
 /// The one that tests without needs of their own share. It is started when it is first asked for,
 /// and ends with the test program.
 TrialProgram& SharedTrialProgram();
+/// Ends it, and returns when it is gone; references to it are void. Who asks next starts another
+/// one.
+void EndSharedTrialProgram();
 
 }  // namespace nimbrel::com

@@ -2,12 +2,16 @@
 // with the events of a run, stopped, unregistered and unloaded.
 
 #include <gmock/gmock.h>
+#include <nimbrel.h>
 
 #include <bit>
 #include <cstdint>
+#include <map>
+#include <numeric>
 #include <thread>
 
 #include "com/com_error.h"
+#include "com/com_text.h"
 #include "com/registration.h"
 #include "host/cls_nimbrel.h"
 #include "host/mod_global.h"
@@ -234,6 +238,73 @@ TEST_F(ComponentTest, TheSubscriberCanBeDrivenByTheHostItself) {
   EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(false).dates()));
 }
 
+/// Calls the receivers of the component's subscriber by their names.
+class CallsByName final : public Corvane8::ApplicationEvents {
+ public:
+  CallsByName(AutomationObject& corvane, AutomationObject& application)
+      : corvane_(corvane), application_(application) {}
+
+  void PlanBeforeRiskAnalysis(const Ref<Corvane8::Plan>& /*plan*/) override {
+    corvane_.Call("m_CorvyApp_PlanBeforeRiskAnalysis", {Plan()});
+  }
+  void PlanBeforeRiskIteration(const Ref<Corvane8::Plan>& /*plan*/,
+                               Corvane8::Long iteration) override {
+    corvane_.Call("m_CorvyApp_PlanBeforeRiskIteration", {Plan(), iteration});
+  }
+  void PlanAfterRiskIteration(const Ref<Corvane8::Plan>& /*plan*/,
+                              Corvane8::Long iteration) override {
+    corvane_.Call("m_CorvyApp_PlanAfterRiskIteration", {Plan(), iteration});
+  }
+  void PlanAfterRiskAnalysis(const Ref<Corvane8::Plan>& /*plan*/) override {
+    corvane_.Call("m_CorvyApp_PlanAfterRiskAnalysis", {Plan()});
+  }
+
+ private:
+  platform::Variant Plan() { return application_.Get("ActivePlan"); }
+
+  AutomationObject& corvane_;
+  AutomationObject& application_;
+};
+
+TEST_F(ComponentTest, AHostCanCallTheReceiversItself) {
+  OpenTrialPlan();
+  nimbrel_ = Create("Nimbrel.clsCorvane");
+  const Ref<AutomationObject> application = Create("Corvane8.Application");
+  CallsByName host(*nimbrel_.get(), *application.get());
+  application_->Subscribe(&host);
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(true).dates()));
+  application_->Unsubscribe(&host);
+}
+
+TEST_F(ComponentTest, ASubscriberThatIsStartedTwiceHearsEachEventOnce) {
+  OpenTrialPlan();
+  nimbrel_ = Create("Nimbrel.clsCorvane");
+  nimbrel_->Call("StartCorvane");
+  nimbrel_->Call("StartCorvane");
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(true).dates()));
+  nimbrel_->Call("StopCorvane");
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(false).dates()));
+}
+
+TEST_F(ComponentTest, LetGoWhileItIsStartedItHearsNothingMore) {
+  OpenTrialPlan();
+  for (const auto& [identifier, start] : {std::pair("Nimbrel.clsNimbrel", "LaunchStartCorvane"),
+                                          std::pair("Nimbrel.clsCorvane", "StartCorvane")}) {
+    nimbrel_ = Create(identifier);
+    nimbrel_->Call(start);
+    nimbrel_ = nullptr;
+    EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(false).dates())) << identifier;
+  }
+}
+
+TEST_F(ComponentTest, AHostThatHasEndedFailsTheNextStartAndNotTheStop) {
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  nimbrel_->Call("LaunchStartCorvane");
+  EndSharedTrialProgram();
+  nimbrel_->Call("LaunchStopCorvane");
+  EXPECT_EQ(ErrorOf([this] { nimbrel_->Call("LaunchStartCorvane"); }).first, 462);
+}
+
 TEST_F(ComponentTest, GivesBackEveryObjectOfTheHostAndGoes) {
   OpenTrialPlan();
   application_ = nullptr;
@@ -279,8 +350,20 @@ TEST_F(ComponentTest, LeavesAnErrorObjectForCallersByPosition) {
   // The host is not there, so that the start fails.
   UnregisterTrialHost();
   ComPtr<IDispatch> nimbrel = CreateByIdentifier("Nimbrel.clsNimbrel");
-  EXPECT_EQ(ErrorOf([&] { DispatchObject(nimbrel).Call("LaunchStartCorvane"); }),
-            std::pair(429, std::string("Cannot create the object Corvane8.Application")));
+  const auto by_position = nimbrel.As<_clsNimbrel>(IID__clsNimbrel);
+  ASSERT_TRUE(by_position);
+  EXPECT_EQ(by_position->LaunchStartCorvane(), ToHResult(platform::RuntimeError(429, "")));
+  ComPtr<IErrorInfo> error;
+  ASSERT_EQ(GetErrorInfo(0, error.Receive()), S_OK);
+  BSTR text = nullptr;
+  ASSERT_EQ(error->GetDescription(&text), S_OK);
+  EXPECT_EQ(TakeText(text), "Cannot create the object Corvane8.Application");
+  ASSERT_EQ(error->GetSource(&text), S_OK);
+  EXPECT_EQ(TakeText(text), "Nimbrel");
+  // What an earlier call has left is not taken for an error of the next one.
+  ASSERT_EQ(SetErrorInfo(0, error.get()), S_OK);
+  EXPECT_EQ(by_position->LaunchStopCorvane(), S_OK);
+  EXPECT_EQ(GetErrorInfo(0, error.Receive()), S_FALSE);
   const auto support = nimbrel.As<ISupportErrorInfo>(IID_ISupportErrorInfo);
   ASSERT_TRUE(support);
   ComPtr<ITypeInfo> info;
@@ -333,6 +416,30 @@ TEST_F(ComponentTest, TheExampleRuns) {
   EXPECT_EQ(output, "Weather moves the finish.\r\nStopped, it moves nothing.\r\n");
 }
 
+/// Where the operations stand in the table of the interface, in the order of their numbers.
+std::vector<std::size_t> PlacesOf(ITypeInfo& info) {
+  std::map<MEMBERID, std::size_t> places;
+  FUNCDESC* function = nullptr;
+  for (UINT i = 0; SUCCEEDED(info.GetFuncDesc(i, &function)); ++i) {
+    // Those of IDispatch have numbers above.
+    if (function->memid < 0x10000) {
+      places[function->memid] = static_cast<std::size_t>(function->oVft) / sizeof(void*);
+    }
+    info.ReleaseFuncDesc(function);
+  }
+  std::vector<std::size_t> in_order;
+  for (const auto& [id, place] : places) {
+    in_order.push_back(place);
+  }
+  return in_order;
+}
+
+std::vector<std::size_t> PlacesFrom(std::size_t first, std::size_t count) {
+  std::vector<std::size_t> places(count);
+  std::iota(places.begin(), places.end(), first);
+  return places;
+}
+
 TEST_F(ComponentTest, HasItsOperationsInTheirOrder) {
   const auto names_of = [](const std::string& identifier) {
     const ComPtr<IDispatch> object = CreateByIdentifier(identifier);
@@ -347,6 +454,8 @@ TEST_F(ComponentTest, HasItsOperationsInTheirOrder) {
         SysFreeString(name);
       }
     }
+    // Behind the seven of IDispatch.
+    EXPECT_EQ(PlacesOf(*info.get()), PlacesFrom(7, names.size())) << identifier;
     return names;
   };
   EXPECT_THAT(names_of("Nimbrel.clsNimbrel"),

@@ -75,6 +75,20 @@ TEST(ComVariants, RefuseArraysAndErrorValues) {
   array.get()->vt = VT_ARRAY | VT_I4;
   array.get()->parray = SafeArrayCreateVector(VT_I4, 0, 1);
   EXPECT_EQ(ErrorOf([&] { FromComVariant(*array.get(), NoObject); }).first, 13);
+  VARIANT elsewhere = {};
+  elsewhere.vt = VT_BYREF | VT_ARRAY | VT_I4;
+  elsewhere.pparray = &array.get()->parray;
+  EXPECT_EQ(ErrorOf([&] { FromComVariant(elsewhere, NoObject); }).first, 13);
+}
+
+TEST(ComVariants, AMissingArgumentIsEmptyAndANullTextTheEmptyOne) {
+  VARIANT given = {};
+  given.vt = VT_ERROR;
+  given.scode = DISP_E_PARAMNOTFOUND;
+  EXPECT_TRUE(FromComVariant(given, NoObject).IsEmpty());
+  given.vt = VT_BSTR;
+  given.bstrVal = nullptr;
+  EXPECT_TRUE(FromComVariant(given, NoObject) == Variant(""));
 }
 
 TEST(ComErrors, NumbersSurviveTheWayThereAndBack) {
@@ -96,7 +110,12 @@ TEST(ComErrors, FailuresOfComHaveTheNumbersOfTheirKind) {
   EXPECT_EQ(ErrorNumberOf(DISP_E_TYPEMISMATCH), 13);
   EXPECT_EQ(ErrorNumberOf(DISP_E_BADINDEX), 9);
   EXPECT_EQ(ErrorNumberOf(REGDB_E_CLASSNOTREG), 429);
-  EXPECT_EQ(ErrorNumberOf(RPC_E_DISCONNECTED), 462);
+  for (const HRESULT gone :
+       {RPC_E_DISCONNECTED, RPC_E_SERVER_DIED, RPC_E_SERVER_DIED_DNE, CO_E_OBJNOTCONNECTED,
+        HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
+        HRESULT_FROM_WIN32(RPC_S_CALL_FAILED_DNE)}) {
+    EXPECT_EQ(ErrorNumberOf(gone), 462) << std::hex << gone;
+  }
 }
 
 TEST(ComErrors, AnExceptionRecordGivesItsNumberAndText) {
@@ -119,6 +138,11 @@ TEST(ComErrors, WhatIsNoRuntimeErrorBecomesOneAtTheBorder) {
             return E_FAIL;
           });
   EXPECT_EQ(number, 1004);
+}
+
+TEST(ComErrors, AFailureToTellOfAFailureStaysInside) {
+  const auto failing = [](const RuntimeError& /*error*/) -> HRESULT { throw std::bad_alloc(); };
+  EXPECT_EQ(Guarded([] { throw RuntimeError(5, "no"); }, failing), E_OUTOFMEMORY);
 }
 
 TEST(Registration, IsForTheUserAloneWhereRightsAreMissing) {

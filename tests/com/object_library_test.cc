@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 
 #include "com/com_text.h"
+#include "com/event_source.h"
 #include "com/served/member.h"
 #include "com/served/served_object.h"
+#include "tests/com/bare_object.h"
 #include "tests/com/com_test.h"
 
 namespace nimbrel::com {
@@ -99,6 +101,44 @@ TEST(ObjectLibrary, NumbersTheEventsInTheirOrder) {
       OperationsIn(*info.get()),
       ::testing::ElementsAre("1 call PlanBeforeRiskAnalysis 1", "2 call PlanBeforeRiskIteration 2",
                              "3 call PlanAfterRiskIteration 2", "4 call PlanAfterRiskAnalysis 1"));
+}
+
+/// Tells the type of its interface.
+class TypedObject final : public BareObject {
+ public:
+  explicit TypedObject(ComPtr<ITypeInfo> info) : info_(std::move(info)) {}
+
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    *count = 1;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/,
+                                        ITypeInfo** info) override {
+    *info = ComPtr<ITypeInfo>(info_).Detach();
+    return S_OK;
+  }
+
+ private:
+  ComPtr<ITypeInfo> info_;
+};
+
+TEST(ObjectLibrary, TheEventsAreFoundBesideTheObjectsInterfaceWhereNothingElseTellsThem) {
+  CLSID application = {};
+  ASSERT_EQ(CLSIDFromProgID(L"Corvane8.Application", &application), S_OK);
+  ComPtr<ITypeInfo> class_info;
+  ASSERT_EQ(Library()->GetTypeInfoOfGuid(application, class_info.Receive()), S_OK);
+  HREFTYPE type = 0;
+  ASSERT_EQ(class_info->GetRefTypeOfImplType(0, &type), S_OK);
+  ComPtr<ITypeInfo> interface_info;
+  ASSERT_EQ(class_info->GetRefTypeInfo(type, interface_info.Receive()), S_OK);
+
+  const auto mute = MakeCom<BareObject>().As<IUnknown>(IID_IUnknown);
+  const auto told = MakeCom<TypedObject>(interface_info).As<IUnknown>(IID_IUnknown);
+  const EventNumbers registered = FindEvents(*mute.get(), application);
+  UnregisterTrialHost();
+  EXPECT_EQ(ErrorOf([&] { FindEvents(*mute.get(), application); }).first, 459);
+  EXPECT_EQ(FindEvents(*told.get(), application).ids, registered.ids);
+  RegisterTrialHost();
 }
 
 }  // namespace

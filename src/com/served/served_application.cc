@@ -18,7 +18,7 @@ ServedApplication::ServedApplication(Ref<Corvane8::Application> application,
 
 ServedApplication::~ServedApplication() {
   if (!connections_.empty()) {
-    application_->Unsubscribe(this);
+    platform::IgnoreErrors([this] { application_->Unsubscribe(this); });
   }
 }
 
@@ -90,24 +90,30 @@ HRESULT ServedApplication::Advise(IUnknown* sink, DWORD* cookie) {
   if (!receiver) {
     return CONNECT_E_CANNOTCONNECT;
   }
-  if (connections_.empty()) {
-    application_->Subscribe(this);
-  }
-  *cookie = next_cookie_++;
-  connections_.push_back({*cookie, receiver});
-  return S_OK;
+  return Guarded(
+      [&] {
+        connections_.reserve(connections_.size() + 1);
+        if (connections_.empty()) {
+          application_->Subscribe(this);
+        }
+        *cookie = next_cookie_++;
+        connections_.push_back({*cookie, receiver});
+      },
+      LeaveErrorInfo);
 }
 
 HRESULT ServedApplication::Unadvise(DWORD cookie) {
-  if (std::erase_if(connections_, [cookie](const Connection& other) {
-        return other.cookie == cookie;
-      }) == 0) {
+  if (std::erase_if(connections_,
+                    [cookie](const Connection& other) { return other.cookie == cookie; }) == 0) {
     return CONNECT_E_NOCONNECTION;
   }
-  if (connections_.empty()) {
-    application_->Unsubscribe(this);
-  }
-  return S_OK;
+  return Guarded(
+      [this] {
+        if (connections_.empty()) {
+          application_->Unsubscribe(this);
+        }
+      },
+      LeaveErrorInfo);
 }
 
 HRESULT ServedApplication::EnumConnections(IEnumConnections** connections) {

@@ -71,12 +71,15 @@ class ValueWalk final : public ComObject<IEnumVARIANT> {
     return S_OK;
   }
   HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** clone) override {
-    std::vector<ComVariant> values(values_.size());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      VariantCopy(values[i].get(), values_[i].get());
-    }
-    *clone = new ValueWalk(std::move(values), at_);
-    return S_OK;
+    return Guarded(
+        [&] {
+          std::vector<ComVariant> values(values_.size());
+          for (std::size_t i = 0; i < values.size(); ++i) {
+            VariantCopy(values[i].get(), values_[i].get());
+          }
+          *clone = new ValueWalk(std::move(values), at_);
+        },
+        LeaveErrorInfo);
   }
 
  private:
@@ -116,8 +119,11 @@ HRESULT ServedObject::GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** i
 HRESULT ServedObject::GetIDsOfNames(REFIID /*id*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                                     DISPID* ids) {
   std::fill_n(ids, count, DISPID_UNKNOWN);
-  const std::string wanted = platform::ToUtf8(names[0]);
-  ids[0] = IdOf(table_, wanted);
+  const HRESULT asked =
+      Guarded([&] { ids[0] = IdOf(table_, platform::ToUtf8(names[0])); }, LeaveErrorInfo);
+  if (FAILED(asked)) {
+    return asked;
+  }
   return ids[0] == DISPID_UNKNOWN || count != 1 ? DISP_E_UNKNOWNNAME : S_OK;
 }
 
@@ -144,9 +150,13 @@ HRESULT ServedObject::Invoke(DISPID id, REFIID /*interface_id*/, LCID /*locale*/
     if (parameters->cArgs != member->arguments) {
       return DISP_E_BADPARAMCOUNT;
     }
-    const std::reverse_iterator last(parameters->rgvarg + parameters->cArgs);
-    const std::vector<VARIANT> arguments(last, std::reverse_iterator(parameters->rgvarg));
-    outcome = Guarded([&] { member->call(*object_, arguments, *given.get()); }, fail);
+    outcome = Guarded(
+        [&] {
+          const std::reverse_iterator last(parameters->rgvarg + parameters->cArgs);
+          const std::vector<VARIANT> arguments(last, std::reverse_iterator(parameters->rgvarg));
+          member->call(*object_, arguments, *given.get());
+        },
+        fail);
   }
   if (SUCCEEDED(outcome) && result != nullptr) {
     *result = given.Detach();

@@ -79,6 +79,13 @@ std::int32_t Show(FileDialogRecord& record, BOOL(WINAPI* function)(OPENFILENAMEA
   return chosen;
 }
 
+/// The path of a file of Windows: by its name alone the program's own folder would come first.
+std::wstring SystemFile(const std::wstring& name) {
+  wchar_t folder[MAX_PATH] = {};
+  GetSystemDirectoryW(folder, MAX_PATH);
+  return std::wstring(folder) + L"\\" + name;
+}
+
 }  // namespace
 
 std::int32_t WindowsProcessStart::ShellExecute(std::int32_t owner, const std::string& verb,
@@ -115,7 +122,7 @@ void WindowsHelp::HtmlHelp(std::int32_t owner, const std::string& file, std::int
                            std::int32_t data) {
   using Function = HWND(WINAPI*)(HWND, const char*, UINT, DWORD_PTR);
   // Stays loaded: the window of help lives on when the dialog has closed.
-  static const HMODULE viewer = LoadLibraryW(L"hhctrl.ocx");
+  static const HMODULE viewer = LoadLibraryW(SystemFile(L"hhctrl.ocx").c_str());
   const FARPROC found = viewer == nullptr ? nullptr : GetProcAddress(viewer, "HtmlHelpA");
   if (found != nullptr) {
     const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(found));

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "com/com_object.h"
+
+namespace nimbrel::com {
+
+/// An object of another program that has no members and tells nothing of itself; what derives from
+/// it answers what its test asks for.
+class BareObject : public ComObject<IDispatch> {
+ public:
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    *count = 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/,
+                                        ITypeInfo** info) override {
+    *info = nullptr;
+    return DISP_E_BADINDEX;
+  }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*id*/, LPOLESTR* /*names*/, UINT /*count*/,
+                                          LCID /*locale*/, DISPID* /*ids*/) override {
+    return DISP_E_UNKNOWNNAME;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID /*id*/, REFIID /*interface_id*/, LCID /*locale*/,
+                                   WORD /*flags*/, DISPPARAMS* /*parameters*/, VARIANT* /*result*/,
+                                   EXCEPINFO* /*exception*/, UINT* /*wrong*/) override {
+    return DISP_E_MEMBERNOTFOUND;
+  }
+
+ protected:
+  void* Find(REFIID id) override {
+    return id == IID_IUnknown || id == IID_IDispatch ? static_cast<IDispatch*>(this) : nullptr;
+  }
+};
+
+}  // namespace nimbrel::com
