@@ -309,8 +309,8 @@ bool IsNumeric(std::string_view text, const Locale& locale) {
 double ParseNumber(std::string_view text, const Locale& locale) {
   double value = 0;
   if (!ReadNumber(text, locale, value)) {
-    throw RuntimeError(kTypeMismatch, "Type mismatch: \"" + ShownText(text) +
-                                          "\" is no number in " + locale.name);
+    throw RuntimeError(kTypeMismatch,
+                       "Type mismatch: \"" + ShownText(text) + "\" is no number in " + locale.name);
   }
   return value;
 }

@@ -7,8 +7,8 @@
 #include <QTabBar>
 #include <QTabWidget>
 
-#include "tests/support/gestures/face_forms.h"
 #include "tests/qt/window_test.h"
+#include "tests/support/gestures/face_forms.h"
 #include "toolkit/qt/item_view.h"
 
 namespace nimbrel::toolkit::qt {
