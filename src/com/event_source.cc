@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "com/com_error.h"
-#include "com/com_object.h"
 #include "com/com_text.h"
 #include "com/host_objects.h"
+#include "com/untyped_object.h"
 
 namespace nimbrel::com {
 namespace {
@@ -122,7 +122,7 @@ EventNumbers FindEvents(IUnknown& object, REFCLSID class_id) {
 }
 
 /// Receives the events of one subscription.
-class EventSource::Sink final : public ComObject<IDispatch> {
+class EventSource::Sink final : public UntypedObject {
  public:
   Sink(const EventNumbers& numbers, std::shared_ptr<MemberIds> ids, ApplicationEvents* events)
       : numbers_(numbers), ids_(std::move(ids)), events_(events) {}
@@ -130,15 +130,6 @@ class EventSource::Sink final : public ComObject<IDispatch> {
   /// From here on nothing reaches the receiver.
   void Disconnect() { events_ = nullptr; }
 
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/,
-                                        ITypeInfo** info) override {
-    *info = nullptr;
-    return DISP_E_BADINDEX;
-  }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*id*/, LPOLESTR* /*names*/, UINT /*count*/,
                                           LCID /*locale*/, DISPID* /*ids*/) override {
     return DISP_E_UNKNOWNNAME;

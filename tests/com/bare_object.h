@@ -1,22 +1,13 @@
 #pragma once
 
-#include "com/com_object.h"
+#include "com/untyped_object.h"
 
 namespace nimbrel::com {
 
 /// An object of another program that has no members and tells nothing of itself; what derives from
 /// it answers what its test asks for.
-class BareObject : public ComObject<IDispatch> {
+class BareObject : public UntypedObject {
  public:
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/,
-                                        ITypeInfo** info) override {
-    *info = nullptr;
-    return DISP_E_BADINDEX;
-  }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*id*/, LPOLESTR* /*names*/, UINT /*count*/,
                                           LCID /*locale*/, DISPID* /*ids*/) override {
     return DISP_E_UNKNOWNNAME;

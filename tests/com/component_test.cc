@@ -325,6 +325,39 @@ TEST_F(ComponentTest, GivesBackEveryObjectOfTheHostAndGoes) {
   EXPECT_EQ(held(), before + 1);
 }
 
+/// Blocks of memory that the process has in use.
+std::ptrdiff_t BlocksInUse() {
+  const HANDLE heap = GetProcessHeap();
+  std::ptrdiff_t blocks = 0;
+  PROCESS_HEAP_ENTRY entry = {};
+  HeapLock(heap);
+  while (HeapWalk(heap, &entry) != FALSE) {
+    blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
+  }
+  HeapUnlock(heap);
+  return blocks;
+}
+
+TEST_F(ComponentTest, StartsRunsAndStopsLeaveNoMemoryBehind) {
+  OpenTrialPlan();
+  const Ref<AutomationObject> keeps_it_loaded = Create("Nimbrel.clsNimbrel");
+  const auto once = [this] {
+    const Ref<AutomationObject> nimbrel = Create("Nimbrel.clsNimbrel");
+    nimbrel->Call("LaunchStartCorvane");
+    program_.control().Call("RunAnalysis", {kIterations, kSeed});
+    nimbrel->Call("LaunchStopCorvane");
+  };
+  constexpr int kTimes = 10;
+  once();
+  once();
+  const std::ptrdiff_t before = BlocksInUse();
+  for (int i = 0; i < kTimes; ++i) {
+    once();
+  }
+  // One block that is left behind each time would make as many.
+  EXPECT_LT(BlocksInUse() - before, kTimes);
+}
+
 TEST_F(ComponentTest, IsNotUnloadedWhileAnObjectOfItIsHeld) {
   nimbrel_ = Create("Nimbrel.clsNimbrel");
   CoFreeUnusedLibrariesEx(0, 0);

@@ -7,7 +7,7 @@
 #include "exchange/mod_excel.h"
 #include "exchange/mod_import_export.h"
 #include "host/mod_global.h"
-#include "tests/com/com_test.h"
+#include "tests/com/excel_stand_in.h"
 #include "tests/support/automation/recording_excel.h"
 #include "tests/support/host/recording_host.h"
 
@@ -16,10 +16,6 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
-
-std::wstring Command(const wchar_t* option) {
-  return L"\"" + ProgramBeside(L"ExcelStandIn.exe") + L"\" " + option;
-}
 
 class ScriptedBox final : public platform::MessageBox {
  public:
@@ -51,13 +47,13 @@ class ExcelTest : public ::testing::Test {
       CloseHandle(process_);
     }
     if (installed_) {
-      RunAndWait(Command(L"/UnregServer"));
+      RunAndWait(ExcelStandIn(L"/UnregServer"));
     }
   }
 
   void Install() {
     installed_ = true;
-    ASSERT_EQ(RunAndWait(Command(L"/RegServer")), 0U);
+    ASSERT_EQ(RunAndWait(ExcelStandIn(L"/RegServer")), 0U);
   }
   /// Starts it by the road of the exports.
   Ref<AutomationObject> Start() {
@@ -73,15 +69,7 @@ class ExcelTest : public ::testing::Test {
   /// Writes a sheet with one period on it.
   static void Export(const Ref<AutomationObject>& sheet) {
     platform::Collection<Ref<model::clsWeatherTask>> periods;
-    const auto period = platform::MakeRef<model::clsWeatherTask>();
-    period->m_strCalName = "NORTH SEA";
-    period->m_strTaskDesc = "January";
-    period->m_dtStart = platform::MakeDate(2027, 1, 1);
-    period->m_dtEnd = platform::MakeDate(2027, 1, 31);
-    period->m_dOccur = 0.25;
-    period->m_nMin = 4;
-    period->m_nLikely = 7;
-    period->m_nMax = 14;
+    const auto period = JanuaryPeriod("NORTH SEA", "January");
     periods.Add(period);
     modImportExport::ExportEventSheet(sheet, periods, "NORTH SEA");
   }

@@ -1,18 +1,12 @@
 // Whole stories of the weather dialog: each script of the folder "stories" is played on a plan of
 // the embedded host, and its log has to be the one that stands beside it. What some of them leave
 // in the plan is then asked for with the program's own commands, up to a run of the risk analysis.
-//
-// A script begins with the plan that it is played on, "# plan: FILE" from the top of the tree, or
-// with the story that it goes on from, "# after: STORY".
 
 #include <gmock/gmock.h>
 #include <stdlib.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -23,6 +17,7 @@
 
 #include "nimbrel/console.h"
 #include "nimbrel/program.h"
+#include "tests/support/gestures/story_files.h"
 #include "tests/tools/faces.h"
 #include "tests/tools/gesture_tool.h"
 
@@ -32,29 +27,6 @@ namespace {
 using Json = nlohmann::json;
 using ::testing::ElementsAre;
 using ::testing::Pair;
-
-const std::filesystem::path kTop = NIMBREL_SOURCE_DIR;
-const std::filesystem::path kStories = kTop / "tests/dialog/stories";
-
-std::string Read(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    throw std::runtime_error("cannot read " + path.string());
-  }
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// The names of all stories, in their order in the alphabet.
-std::vector<std::string> StoryNames() {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(kStories)) {
-    if (entry.path().extension() == ".gestures") {
-      names.push_back(entry.path().stem().string());
-    }
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
 
 class StoryTest : public ::testing::Test {
  protected:
@@ -75,21 +47,17 @@ class StoryTest : public ::testing::Test {
 
   /// Plays a story on a fresh plan, after those that it goes on from. Gives its log.
   std::string Play(const std::string& story, const std::string& face = "plain") {
-    const std::filesystem::path script = kStories / (story + ".gestures");
-    std::istringstream text(Read(script));
-    std::string key;
-    std::string value;
-    text.ignore(2) >> key >> value;
-    if (key == "after:") {
-      Play(value, face);
-    } else if (key == "plan:") {
-      Run({"import", (kTop / value).string(), "-o", plan()});
+    const gestures::StoryStart start = gestures::StartOf(story);
+    if (start.key == "after:") {
+      Play(start.value, face);
     } else {
-      ADD_FAILURE() << script << " does not say what it is played on";
+      Run({"import", (gestures::kTop / start.value).string(), "-o", plan()});
     }
     std::ostringstream log;
     std::ostringstream trouble;
-    EXPECT_EQ(gestures::RunGestureTool({"--face", face, plan(), script.string()}, log, trouble), 0)
+    EXPECT_EQ(gestures::RunGestureTool({"--face", face, plan(), gestures::ScriptOf(story).string()},
+                                       log, trouble),
+              0)
         << trouble.str();
     return log.str();
   }
@@ -113,7 +81,7 @@ class StoryTest : public ::testing::Test {
     run.json = Json::parse(
         Run({"run", plan(), "--compare", "--quiet", "--seed", "7", "--iterations",
              std::to_string(iterations), "--json", "-", "--samples", Path("samples.csv")}));
-    std::istringstream samples(Read(Path("samples.csv")));
+    std::istringstream samples(gestures::ReadStoryFile(Path("samples.csv")));
     std::string line;
     std::getline(samples, line);
     EXPECT_EQ(line, "iteration,finish,finish_without_weather");
@@ -144,12 +112,12 @@ class EveryStory : public StoryTest,
 
 TEST_P(EveryStory, GivesTheLogThatStandsBesideIt) {
   const auto& [face, story] = GetParam();
-  EXPECT_EQ(Play(story, face), Read(kStories / (story + ".log")));
+  EXPECT_EQ(Play(story, face), gestures::LogBeside(story));
 }
 
 INSTANTIATE_TEST_SUITE_P(Stories, EveryStory,
                          ::testing::Combine(::testing::ValuesIn(FaceNames()),
-                                            ::testing::ValuesIn(StoryNames())),
+                                            ::testing::ValuesIn(gestures::StoryNames())),
                          [](const auto& story) {
                            return std::get<0>(story.param) + "_" + std::get<1>(story.param);
                          });

@@ -8,7 +8,7 @@
 #include "exchange/mod_import_export.h"
 #include "spreadsheet/excel_application.h"
 #include "spreadsheet/workbook_viewer.h"
-#include "tests/com/com_test.h"
+#include "tests/com/excel_stand_in.h"
 #include "tests/support/automation/exchange_test.h"
 #include "tests/support/workbooks/test_files.h"
 #include "tests/toolkit/support.h"
@@ -17,10 +17,6 @@ namespace nimbrel::com {
 namespace {
 
 using ::testing::ElementsAre;
-
-std::wstring Command(const wchar_t* option) {
-  return L"\"" + ProgramBeside(L"ExcelStandIn.exe") + L"\" " + option;
-}
 
 class StandInServersTest : public recording::ExchangeTest {
  protected:
@@ -47,7 +43,7 @@ TEST_F(StandInServersTest, WithoutExcelTheWorkbookObjectAnswers) {
 }
 
 TEST_F(StandInServersTest, ExcelIsTakenFromWhenItIsInstalled) {
-  ASSERT_EQ(RunAndWait(Command(L"/RegServer")), 0U);
+  ASSERT_EQ(RunAndWait(ExcelStandIn(L"/RegServer")), 0U);
   auto excel = servers_.CreateObject("Excel.Application");
   EXPECT_TRUE(IsProgram(excel));
   const auto id = static_cast<DWORD>(excel->Get("TestProcess").ToLong(platform::DefaultLocale()));
@@ -55,7 +51,7 @@ TEST_F(StandInServersTest, ExcelIsTakenFromWhenItIsInstalled) {
   excel = nullptr;
   WaitForSingleObject(process, INFINITE);
   CloseHandle(process);
-  ASSERT_EQ(RunAndWait(Command(L"/UnregServer")), 0U);
+  ASSERT_EQ(RunAndWait(ExcelStandIn(L"/UnregServer")), 0U);
   EXPECT_FALSE(IsProgram(servers_.CreateObject("Excel.Application")));
 }
 
@@ -72,15 +68,7 @@ TEST_F(StandInServersTest, WithoutExcelASheetIsExportedAndReadsBackTheSame) {
     modGlobal::g_colEventHeaders.Add(caption);
   }
   platform::Collection<Ref<model::clsWeatherTask>> periods;
-  const auto period = platform::MakeRef<model::clsWeatherTask>();
-  period->m_strCalName = "NORDSEE – Ä";
-  period->m_strTaskDesc = "January <storm> & 雨";
-  period->m_dtStart = platform::MakeDate(2027, 1, 1);
-  period->m_dtEnd = platform::MakeDate(2027, 1, 31);
-  period->m_dOccur = 0.25;
-  period->m_nMin = 4;
-  period->m_nLikely = 7;
-  period->m_nMax = 14;
+  const auto period = JanuaryPeriod("NORDSEE – Ä", "January <storm> & 雨");
   periods.Add(period);
 
   const auto excel = modExcel::StartExcel();

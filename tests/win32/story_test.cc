@@ -1,18 +1,12 @@
-// Whole stories of the weather dialog, in the windows: each script of the folder "stories" gives
-// the log that stands beside it. A script begins with the plan that it is played on, "# plan:
-// FILE", or with the story that it goes on from, "# after: STORY".
+// Whole stories of the weather dialog, in the windows: each gives the log that stands beside it.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <memory>
 #include <sstream>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "platform/locale.h"
+#include "tests/support/gestures/story_files.h"
 #include "tests/support/gestures/win32/win32_hands.h"
 #include "tests/tools/xer_gestures.h"
 #include "tests/win32/agreement.h"
@@ -20,43 +14,16 @@
 namespace nimbrel::gestures {
 namespace {
 
-const std::filesystem::path kTop = NIMBREL_SOURCE_DIR;
-const std::filesystem::path kStories = kTop / "tests/dialog/stories";
-
-std::string Read(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    throw std::runtime_error("cannot read " + path.string());
-  }
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-/// The names of all stories, in their order in the alphabet.
-std::vector<std::string> StoryNames() {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(kStories)) {
-    if (entry.path().extension() == ".gestures") {
-      names.push_back(entry.path().stem().string());
-    }
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 /// Plays a story after those that it goes on from, on the stage of the first. Gives its log.
 std::string Play(const std::string& story, Hands& hands, std::unique_ptr<XerStage>& stage) {
-  const std::filesystem::path script = kStories / (story + ".gestures");
-  std::istringstream text(Read(script));
-  std::string key;
-  std::string value;
-  text.ignore(2) >> key >> value;
-  if (key == "after:") {
-    Play(value, hands, stage);
+  const StoryStart start = StartOf(story);
+  if (start.key == "after:") {
+    Play(start.value, hands, stage);
   } else {
-    stage = std::make_unique<XerStage>(kTop / value);
+    stage = std::make_unique<XerStage>(kTop / start.value);
   }
   std::ostringstream log;
-  stage->Play(script, hands, platform::DefaultLocale(), log);
+  stage->Play(ScriptOf(story), hands, platform::DefaultLocale(), log);
   return log.str();
 }
 
@@ -69,7 +36,7 @@ TEST_P(EveryStory, GivesTheLogThatStandsBesideIt) {
     disagreements += toolkit::win32::Disagreements(window);
   };
   std::unique_ptr<XerStage> stage;
-  EXPECT_EQ(Play(GetParam(), hands, stage), Read(kStories / (GetParam() + ".log")));
+  EXPECT_EQ(Play(GetParam(), hands, stage), LogBeside(GetParam()));
   EXPECT_EQ(disagreements, "");
 }
 

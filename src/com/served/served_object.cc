@@ -106,16 +106,6 @@ ServedObject::~ServedObject() {
   --g_held;
 }
 
-HRESULT ServedObject::GetTypeInfoCount(UINT* count) {
-  *count = 0;
-  return S_OK;
-}
-
-HRESULT ServedObject::GetTypeInfo(UINT /*index*/, LCID /*locale*/, ITypeInfo** info) {
-  *info = nullptr;
-  return DISP_E_BADINDEX;
-}
-
 HRESULT ServedObject::GetIDsOfNames(REFIID /*id*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                                     DISPID* ids) {
   std::fill_n(ids, count, DISPID_UNKNOWN);

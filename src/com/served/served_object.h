@@ -3,22 +3,20 @@
 #include <string_view>
 #include <vector>
 
-#include "com/com_object.h"
 #include "com/served/member.h"
+#include "com/untyped_object.h"
 
 namespace nimbrel::com::served {
 
 /// One object of the host as callers of other programs see it. Each time that it is handed out it
 /// is offered anew.
-class ServedObject final : public ComObject<IDispatch> {
+class ServedObject final : public UntypedObject {
  public:
   /// `object` must not be Nothing.
   ServedObject(Ref<Object> object, const ClassTable& table);
 
   const Ref<Object>& object() const { return object_; }
 
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID id, LPOLESTR* names, UINT count, LCID locale,
                                           DISPID* ids) override;
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID interface_id, LCID locale, WORD flags,

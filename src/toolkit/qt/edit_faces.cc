@@ -312,11 +312,11 @@ class ComboBoxFace final : public EditFace {
 
 }  // namespace
 
-std::unique_ptr<ControlFace> MakeTextBoxFace(TextBox& box, FaceHost& host, QWidget& parent) {
+std::unique_ptr<ControlFace> MakeFace(TextBox& box, FaceHost& host, QWidget& parent) {
   return std::make_unique<TextBoxFace>(box, host, parent);
 }
 
-std::unique_ptr<ControlFace> MakeComboBoxFace(ComboBox& box, FaceHost& host, QWidget& parent) {
+std::unique_ptr<ControlFace> MakeFace(ComboBox& box, FaceHost& host, QWidget& parent) {
   return std::make_unique<ComboBoxFace>(box, host, parent);
 }
 

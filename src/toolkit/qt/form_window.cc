@@ -12,38 +12,13 @@
 #include "toolkit/qt/faces.h"
 #include "toolkit/qt/qt_text.h"
 #include "toolkit/qt/twips_layout.h"
+#include "toolkit/visit_control.h"
 
 namespace nimbrel::toolkit::qt {
 namespace {
 
 /// The share of the screen that a window takes at the most.
 constexpr double kShareOfScreen = 0.95;
-
-std::unique_ptr<ControlFace> MakeFace(Control& control, FaceHost& host, QWidget& pane) {
-  switch (control.Kind()) {
-    case ControlKind::kCommandButton:
-      return MakeButtonFace(static_cast<CommandButton&>(control), host, pane);
-    case ControlKind::kCheckBox:
-      return MakeCheckBoxFace(static_cast<CheckBox&>(control), host, pane);
-    case ControlKind::kTextBox:
-      return MakeTextBoxFace(static_cast<TextBox&>(control), host, pane);
-    case ControlKind::kComboBox:
-      return MakeComboBoxFace(static_cast<ComboBox&>(control), host, pane);
-    case ControlKind::kListBox:
-      return MakeListBoxFace(static_cast<ListBox&>(control), host, pane);
-    case ControlKind::kLabel:
-      return MakeLabelFace(static_cast<Label&>(control), host, pane);
-    case ControlKind::kFrame:
-      return MakeFrameFace(static_cast<Frame&>(control), host, pane);
-    case ControlKind::kTabStrip:
-      return MakeTabStripFace(static_cast<TabStrip&>(control), host, pane);
-    case ControlKind::kListView:
-      return MakeListViewFace(static_cast<ListView&>(control), host, pane);
-    case ControlKind::kTreeView:
-      return MakeTreeViewFace(static_cast<TreeView&>(control), host, pane);
-  }
-  return nullptr;
-}
 
 }  // namespace
 
@@ -82,7 +57,8 @@ bool FormWindow::FillPane(const Container& container, QWidget& pane, int width, 
 }
 
 bool FormWindow::AddFace(Control& control, QWidget& pane, TwipsLayout& layout) {
-  std::unique_ptr<ControlFace> made = MakeFace(control, *this, pane);
+  auto made = VisitControl<std::unique_ptr<ControlFace>>(
+      control, [&](auto& own) { return MakeFace(own, *this, pane); });
   ControlFace& face = *made;
   QWidget& widget = face.Widget();
   widget.setObjectName(ToQt(control.Name()));

@@ -352,15 +352,15 @@ class TreeViewFace final : public ListFace {
 
 }  // namespace
 
-std::unique_ptr<ControlFace> MakeListBoxFace(ListBox& list, FaceHost& host, QWidget& parent) {
+std::unique_ptr<ControlFace> MakeFace(ListBox& list, FaceHost& host, QWidget& parent) {
   return std::make_unique<ListBoxFace>(list, host, parent);
 }
 
-std::unique_ptr<ControlFace> MakeListViewFace(ListView& list, FaceHost& host, QWidget& parent) {
+std::unique_ptr<ControlFace> MakeFace(ListView& list, FaceHost& host, QWidget& parent) {
   return std::make_unique<ListViewFace>(list, host, parent);
 }
 
-std::unique_ptr<ControlFace> MakeTreeViewFace(TreeView& tree, FaceHost& host, QWidget& parent) {
+std::unique_ptr<ControlFace> MakeFace(TreeView& tree, FaceHost& host, QWidget& parent) {
   return std::make_unique<TreeViewFace>(tree, host, parent);
 }
 

@@ -240,24 +240,23 @@ class TabStripFace final : public ContainerFace {
 
 }  // namespace
 
-std::unique_ptr<ControlFace> MakeButtonFace(CommandButton& button, FaceHost& host,
-                                            QWidget& parent) {
+std::unique_ptr<ControlFace> MakeFace(CommandButton& button, FaceHost& host, QWidget& parent) {
   return std::make_unique<ButtonFace>(button, host, parent);
 }
 
-std::unique_ptr<ControlFace> MakeCheckBoxFace(CheckBox& box, FaceHost& host, QWidget& parent) {
+std::unique_ptr<ControlFace> MakeFace(CheckBox& box, FaceHost& host, QWidget& parent) {
   return std::make_unique<CheckBoxFace>(box, host, parent);
 }
 
-std::unique_ptr<ControlFace> MakeLabelFace(Label& label, FaceHost& host, QWidget& parent) {
+std::unique_ptr<ControlFace> MakeFace(Label& label, FaceHost& host, QWidget& parent) {
   return std::make_unique<LabelFace>(label, host, parent);
 }
 
-std::unique_ptr<ContainerFace> MakeFrameFace(Frame& frame, FaceHost& host, QWidget& parent) {
+std::unique_ptr<ContainerFace> MakeFace(Frame& frame, FaceHost& host, QWidget& parent) {
   return std::make_unique<FrameFace>(frame, host, parent);
 }
 
-std::unique_ptr<ContainerFace> MakeTabStripFace(TabStrip& strip, FaceHost& host, QWidget& parent) {
+std::unique_ptr<ContainerFace> MakeFace(TabStrip& strip, FaceHost& host, QWidget& parent) {
   return std::make_unique<TabStripFace>(strip, host, parent);
 }
 

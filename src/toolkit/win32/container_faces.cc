@@ -184,11 +184,11 @@ void ArrangeAll(const TwipsBands& bands, TwipsBands::Size size, const Look& look
   }
 }
 
-std::unique_ptr<ContainerFace> MakeFrameFace(Frame& frame, FaceHost& host, const Pane& pane) {
+std::unique_ptr<ContainerFace> MakeFace(Frame& frame, FaceHost& host, const Pane& pane) {
   return std::make_unique<FrameFace>(frame, host, pane);
 }
 
-std::unique_ptr<ContainerFace> MakeTabStripFace(TabStrip& strip, FaceHost& host, const Pane& pane) {
+std::unique_ptr<ContainerFace> MakeFace(TabStrip& strip, FaceHost& host, const Pane& pane) {
   return std::make_unique<TabStripFace>(strip, host, pane);
 }
 

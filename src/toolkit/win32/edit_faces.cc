@@ -428,11 +428,11 @@ class ComboBoxFace final : public EditFace {
 
 }  // namespace
 
-std::unique_ptr<ControlFace> MakeTextBoxFace(TextBox& box, FaceHost& host, const Pane& pane) {
+std::unique_ptr<ControlFace> MakeFace(TextBox& box, FaceHost& host, const Pane& pane) {
   return std::make_unique<TextBoxFace>(box, host, pane);
 }
 
-std::unique_ptr<ControlFace> MakeComboBoxFace(ComboBox& box, FaceHost& host, const Pane& pane) {
+std::unique_ptr<ControlFace> MakeFace(ComboBox& box, FaceHost& host, const Pane& pane) {
   return std::make_unique<ComboBoxFace>(box, host, pane);
 }
 

@@ -51,16 +51,15 @@ class ContainerFace : public ControlFace {
 void ArrangeAll(const TwipsBands& bands, TwipsBands::Size size, const Look& look);
 
 /// Each makes the face of a control, with its window in `pane`.
-std::unique_ptr<ControlFace> MakeButtonFace(CommandButton& button, FaceHost& host,
-                                            const Pane& pane);
-std::unique_ptr<ControlFace> MakeCheckBoxFace(CheckBox& box, FaceHost& host, const Pane& pane);
-std::unique_ptr<ControlFace> MakeLabelFace(Label& label, FaceHost& host, const Pane& pane);
-std::unique_ptr<ContainerFace> MakeFrameFace(Frame& frame, FaceHost& host, const Pane& pane);
-std::unique_ptr<ContainerFace> MakeTabStripFace(TabStrip& strip, FaceHost& host, const Pane& pane);
-std::unique_ptr<ControlFace> MakeTextBoxFace(TextBox& box, FaceHost& host, const Pane& pane);
-std::unique_ptr<ControlFace> MakeComboBoxFace(ComboBox& box, FaceHost& host, const Pane& pane);
-std::unique_ptr<ControlFace> MakeListBoxFace(ListBox& list, FaceHost& host, const Pane& pane);
-std::unique_ptr<ControlFace> MakeListViewFace(ListView& list, FaceHost& host, const Pane& pane);
-std::unique_ptr<ControlFace> MakeTreeViewFace(TreeView& tree, FaceHost& host, const Pane& pane);
+std::unique_ptr<ControlFace> MakeFace(CommandButton& button, FaceHost& host, const Pane& pane);
+std::unique_ptr<ControlFace> MakeFace(CheckBox& box, FaceHost& host, const Pane& pane);
+std::unique_ptr<ControlFace> MakeFace(Label& label, FaceHost& host, const Pane& pane);
+std::unique_ptr<ContainerFace> MakeFace(Frame& frame, FaceHost& host, const Pane& pane);
+std::unique_ptr<ContainerFace> MakeFace(TabStrip& strip, FaceHost& host, const Pane& pane);
+std::unique_ptr<ControlFace> MakeFace(TextBox& box, FaceHost& host, const Pane& pane);
+std::unique_ptr<ControlFace> MakeFace(ComboBox& box, FaceHost& host, const Pane& pane);
+std::unique_ptr<ControlFace> MakeFace(ListBox& list, FaceHost& host, const Pane& pane);
+std::unique_ptr<ControlFace> MakeFace(ListView& list, FaceHost& host, const Pane& pane);
+std::unique_ptr<ControlFace> MakeFace(TreeView& tree, FaceHost& host, const Pane& pane);
 
 }  // namespace nimbrel::toolkit::win32

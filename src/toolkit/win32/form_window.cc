@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "toolkit/accessible_name.h"
+#include "toolkit/visit_control.h"
 #include "toolkit/win32/common_controls.h"
 #include "toolkit/win32/faces.h"
 #include "toolkit/win32/win32_text.h"
@@ -23,32 +24,6 @@ constexpr int kShareOfScreen = 95;
 /// Messages that the window posts to itself.
 constexpr UINT kFlush = WM_APP + 1;
 constexpr UINT kRunDeferred = WM_APP + 2;
-
-std::unique_ptr<ControlFace> MakeFace(Control& control, FaceHost& host, const Pane& pane) {
-  switch (control.Kind()) {
-    case ControlKind::kCommandButton:
-      return MakeButtonFace(static_cast<CommandButton&>(control), host, pane);
-    case ControlKind::kCheckBox:
-      return MakeCheckBoxFace(static_cast<CheckBox&>(control), host, pane);
-    case ControlKind::kTextBox:
-      return MakeTextBoxFace(static_cast<TextBox&>(control), host, pane);
-    case ControlKind::kComboBox:
-      return MakeComboBoxFace(static_cast<ComboBox&>(control), host, pane);
-    case ControlKind::kListBox:
-      return MakeListBoxFace(static_cast<ListBox&>(control), host, pane);
-    case ControlKind::kLabel:
-      return MakeLabelFace(static_cast<Label&>(control), host, pane);
-    case ControlKind::kFrame:
-      return MakeFrameFace(static_cast<Frame&>(control), host, pane);
-    case ControlKind::kTabStrip:
-      return MakeTabStripFace(static_cast<TabStrip&>(control), host, pane);
-    case ControlKind::kListView:
-      return MakeListViewFace(static_cast<ListView&>(control), host, pane);
-    case ControlKind::kTreeView:
-      return MakeTreeViewFace(static_cast<TreeView&>(control), host, pane);
-  }
-  return nullptr;
-}
 
 void MakeClass(WNDPROC procedure) {
   INITCOMMONCONTROLSEX controls{sizeof controls, ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES |
@@ -154,7 +129,8 @@ bool FormWindow::FillPane(const Container& container, const Pane& pane, TwipsBan
 }
 
 bool FormWindow::AddFace(Control& control, const Pane& pane, TwipsBands& bands) {
-  std::unique_ptr<ControlFace> made = MakeFace(control, *this, pane);
+  auto made = VisitControl<std::unique_ptr<ControlFace>>(
+      control, [&](auto& own) { return MakeFace(own, *this, pane); });
   ControlFace& face = *made;
   faces_.emplace(&control, Entry{std::move(made), Changes::All()});
   names_.Name(face.FocusWindow(), ToWide(AccessibleNameOf(control)));

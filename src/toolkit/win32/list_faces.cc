@@ -371,11 +371,11 @@ class ListViewFace final : public ItemFace {
 
 }  // namespace
 
-std::unique_ptr<ControlFace> MakeListBoxFace(ListBox& list, FaceHost& host, const Pane& pane) {
+std::unique_ptr<ControlFace> MakeFace(ListBox& list, FaceHost& host, const Pane& pane) {
   return std::make_unique<ListBoxFace>(list, host, pane);
 }
 
-std::unique_ptr<ControlFace> MakeListViewFace(ListView& list, FaceHost& host, const Pane& pane) {
+std::unique_ptr<ControlFace> MakeFace(ListView& list, FaceHost& host, const Pane& pane) {
   return std::make_unique<ListViewFace>(list, host, pane);
 }
 

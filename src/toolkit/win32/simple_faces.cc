@@ -186,16 +186,15 @@ class LabelFace final : public ControlFace {
 
 }  // namespace
 
-std::unique_ptr<ControlFace> MakeButtonFace(CommandButton& button, FaceHost& host,
-                                            const Pane& pane) {
+std::unique_ptr<ControlFace> MakeFace(CommandButton& button, FaceHost& host, const Pane& pane) {
   return std::make_unique<ButtonFace>(button, host, pane);
 }
 
-std::unique_ptr<ControlFace> MakeCheckBoxFace(CheckBox& box, FaceHost& host, const Pane& pane) {
+std::unique_ptr<ControlFace> MakeFace(CheckBox& box, FaceHost& host, const Pane& pane) {
   return std::make_unique<CheckBoxFace>(box, host, pane);
 }
 
-std::unique_ptr<ControlFace> MakeLabelFace(Label& label, FaceHost& host, const Pane& pane) {
+std::unique_ptr<ControlFace> MakeFace(Label& label, FaceHost& host, const Pane& pane) {
   return std::make_unique<LabelFace>(label, host, pane);
 }
 

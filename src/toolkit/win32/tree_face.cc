@@ -320,7 +320,7 @@ class TreeViewFace final : public ItemFace {
 
 }  // namespace
 
-std::unique_ptr<ControlFace> MakeTreeViewFace(TreeView& tree, FaceHost& host, const Pane& pane) {
+std::unique_ptr<ControlFace> MakeFace(TreeView& tree, FaceHost& host, const Pane& pane) {
   return std::make_unique<TreeViewFace>(tree, host, pane);
 }
 

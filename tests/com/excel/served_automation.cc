@@ -7,6 +7,7 @@
 
 #include "com/com_error.h"
 #include "com/com_variant.h"
+#include "com/untyped_object.h"
 #include "platform/text.h"
 #include "platform/win/wide_text.h"
 
@@ -40,19 +41,10 @@ DISPID NumberOf(const std::string& name) {
   return static_cast<DISPID>(place + 1);
 }
 
-class ServedAutomation final : public ComObject<IDispatch> {
+class ServedAutomation final : public UntypedObject {
  public:
   explicit ServedAutomation(Ref<AutomationObject> object) : object_(std::move(object)) {}
 
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT /*index*/, LCID /*locale*/,
-                                        ITypeInfo** info) override {
-    *info = nullptr;
-    return DISP_E_BADINDEX;
-  }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*id*/, LPOLESTR* names, UINT count,
                                           LCID /*locale*/, DISPID* ids) override {
     std::fill_n(ids, count, DISPID_UNKNOWN);
