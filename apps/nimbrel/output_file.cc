@@ -135,6 +135,19 @@ void PendingOutput::Commit() {
   temporary_.clear();
 }
 
+bool IsSamePlace(const std::string& one, const std::string& other) {
+  const auto place = [](const std::string& path) {
+    std::error_code unknown;  // a folder that cannot be entered: the path as it was given
+    const std::filesystem::path whole = std::filesystem::absolute(path, unknown);
+    const std::filesystem::path found = std::filesystem::weakly_canonical(whole, unknown);
+    return unknown ? whole.lexically_normal() : found;
+  };
+  if (one.empty() || other.empty() || one == "-" || other == "-") {
+    return !one.empty() && one == other;
+  }
+  return place(one) == place(other);
+}
+
 void RequireOtherFile(const std::string& option, const std::string& output,
                       const std::string& input) {
   std::error_code none;  // a file that is not there is no other's twin

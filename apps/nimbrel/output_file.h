@@ -30,6 +30,9 @@ class PendingOutput {
   std::string text_;                 // for what is written to as it is
 };
 
+/// Whether two outputs would stand in one place, however their paths are written. "" is no place.
+bool IsSamePlace(const std::string& one, const std::string& other);
+
 /// Raises CommandError where `output`, the file of `option`, is the file `input` that the command
 /// reads: results must never take the place of what they come from. "" and "-" are no files.
 void RequireOtherFile(const std::string& option, const std::string& output,

@@ -127,14 +127,15 @@ void RequireOutputsApart(const Options& options) {
     RequireOtherFile("--csv", options.csv, input);
     RequireOtherFile("--report", options.report, input);
   }
-  const std::pair<const char*, const std::string&> files[] = {
-      {"--json", options.json}, {"--samples", options.samples}, {"--report", options.report}};
-  for (std::size_t i = 0; i < std::size(files); ++i) {
-    for (std::size_t j = i + 1; j < std::size(files); ++j) {
-      if (!files[i].second.empty() && files[i].second == files[j].second) {
-        throw BadCommandLine(
-            fmt::format("{} and {}: expected two different files, found \"{}\" twice",
-                        files[i].first, files[j].first, files[i].second));
+  const std::pair<const char*, const std::string&> outputs[] = {{"--json", options.json},
+                                                                {"--samples", options.samples},
+                                                                {"--report", options.report},
+                                                                {"--csv", options.csv}};
+  for (std::size_t i = 0; i < std::size(outputs); ++i) {
+    for (std::size_t j = i + 1; j < std::size(outputs); ++j) {
+      if (IsSamePlace(outputs[i].second, outputs[j].second)) {
+        throw BadCommandLine(fmt::format("{} and {}: expected two different places, found \"{}\"",
+                                         outputs[i].first, outputs[j].first, outputs[j].second));
       }
     }
   }

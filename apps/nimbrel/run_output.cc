@@ -60,13 +60,18 @@ std::string IntervalText(Instant low, Instant high) {
 /// What was run, and how far a stopped run has come.
 std::string Heading(const Plan& plan, const RunReport& report) {
   const RunResult& run = report.run();
-  // The run without weather comes first.
+  // The run without weather comes first, but for one that goes on until an interval is met.
   const bool weather_never_began = report.compared && run.iterations() == 0;
+  const bool weather_was_complete = report.compared && !run.stopped;
   const std::int32_t done =
       weather_never_began ? report.results.without_weather.iterations() : run.iterations();
   std::string text = fmt::format("{}: {}, seed {}\n", TitleOf(plan),
                                  Counted(done, "iteration", "iterations"), run.seed);
-  if (IsStopped(report)) {
+  if (IsStopped(report) && weather_was_complete) {
+    text +=
+        fmt::format("Stopped: {} of {} iterations without weather were done, after all with it.\n",
+                    Grouped(report.results.without_weather.iterations()), Grouped(done));
+  } else if (IsStopped(report)) {
     text += fmt::format("Stopped: {} of {} iterations {}were done.\n", Grouped(done),
                         Grouped(run.iterations_asked),
                         weather_never_began ? "without weather and none with it " : "");

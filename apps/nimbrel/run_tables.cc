@@ -76,13 +76,18 @@ ResultTable RunTable(const RunDocument& document) {
   return table;
 }
 
+/// The run that is compared with. A plan without weather is run twice, without any.
+std::string NameOfOtherRun(const RunDocument& document) {
+  return document.choices.weather ? "without weather" : "without weather, again";
+}
+
 ResultTable FinishTable(const RunDocument& document) {
   ResultTable table{
       "finish", With({"run", "mean", "sd_days", "min", "max"}, kPercentileColumns), {}};
   table.rows.push_back(FinishRow(document.choices.weather ? "with weather" : "without weather",
                                  document.finish.statistics));
   if (document.without_weather.has_value()) {
-    table.rows.push_back(FinishRow("without weather", document.without_weather->statistics));
+    table.rows.push_back(FinishRow(NameOfOtherRun(document), document.without_weather->statistics));
   }
   if (document.weather_delay.has_value()) {
     const DayStatistics& delay = *document.weather_delay;
@@ -246,7 +251,7 @@ std::vector<ResultTable> TablesOf(const RunDocument& document) {
   AddShapes(document.choices.weather ? "with weather" : "without weather", document.finish, curve,
             histogram);
   if (document.without_weather.has_value()) {
-    AddShapes("without weather", *document.without_weather, curve, histogram);
+    AddShapes(NameOfOtherRun(document), *document.without_weather, curve, histogram);
   }
   std::vector<ResultTable> tables = {RunTable(document),
                                      FinishTable(document),

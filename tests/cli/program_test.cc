@@ -117,7 +117,10 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{{"run", "a.xer", "--sampling", "sobol"}, "expected mc or lhs, found \"sobol\""},
         BadLine{{"run", "a.xer", "--no-weather", "--compare"}, "excludes"},
         BadLine{{"run", "a.xer", "--no-weather", "--weather", "w.json"}, "excludes"},
-        BadLine{{"run", "a.xer", "--json", "x", "--samples", "x"}, "two different files"}));
+        BadLine{{"run", "a.xer", "--json", "x", "--samples", "x"}, "two different places"},
+        BadLine{{"run", "a.xer", "--json", "x", "--report", "./x"}, "two different places"},
+        BadLine{{"run", "a.xer", "--json", "out", "--csv", "none/../out"},
+                "two different places"}));
 
 TEST_F(ProgramTest, AWrongCommandLineSaysWhereHelpIs) {
   EXPECT_THAT(Run({"run"}).err, HasSubstr("(see 'nimbrel run --help')"));

@@ -224,6 +224,21 @@ TEST_F(ReportTest, TellsTheFinishWithoutWeatherFromAnAttributionToo) {
   EXPECT_THAT(page, Not(HasSubstr("nimbrel run --compare")));
 }
 
+TEST_F(ReportTest, OfAPlanWithoutRangesDrawsNoDrivers) {
+  // Every duration is certain: tasks are critical, but none bears on the finish.
+  const std::string page = Page({ChainPlan(), "--iterations", "20"});
+  EXPECT_THAT(page, HasSubstr("No task’s duration varies on a way to it."));
+  EXPECT_THAT(page, Not(HasSubstr("data-chart=\"drivers-0\"")));
+}
+
+TEST_F(ReportTest, OfWeatherWithoutCalendarsDrawsNoCosts) {
+  const std::string none = Write("none.json", R"({"events": [], "windows": [], "assign": []})");
+  const std::string page =
+      Page({WeatherPlan(), "--weather", none, "--attribute", "--iterations", "20"});
+  EXPECT_THAT(page, HasSubstr("The plan has no weather calendars."));
+  EXPECT_THAT(page, Not(HasSubstr("data-chart=\"cost\"")));
+}
+
 TEST_F(ReportTest, OfARunWithoutWeatherHasNoneOfIt) {
   const std::string page = Page({WeatherPlan(), "--no-weather", "--iterations", "50"});
   ExpectFiguresOfTheJson(page, 60);
@@ -435,9 +450,9 @@ TEST_F(ReportTest, IsWrittenWholeOrNotAtAll) {
                 3, "none/r.html: cannot be written");
   ExpectFailure({"run", plan, "--report", plan}, 2, "--report: expected another file");
   ExpectFailure({"run", plan, "--report", Path("r"), "--json", Path("r")}, 2,
-                "--json and --report: expected two different files");
+                "--json and --report: expected two different places");
   ExpectFailure({"run", plan, "--report", "-", "--samples", "-"}, 2,
-                "--samples and --report: expected two different files");
+                "--samples and --report: expected two different places");
   EXPECT_THAT(Output({"run", plan, "--iterations", "10", "--report", "-"}),
               ::testing::StartsWith("<!DOCTYPE html>"));
 }

@@ -201,8 +201,7 @@ TEST(Ledger, CountsADayThatHoldsUpTheOnlyTaskAsMovingTheFinish) {
 }
 
 TEST(Ledger, TellsWhatBecomesOfEachDay) {
-  // A works days 1 to 4, LONG days 1 to 20 and drives the finish; B follows A and has float. C
-  // works on weekdays; day 1 is a Monday.
+  // A works days 1 to 4, LONG days 1 to 20 and drives the finish; B follows A and has float.
   WeatherPlan plan;
   plan.AddTask("A", 4);
   plan.AddTask("B", 3, {"A"});
@@ -270,6 +269,20 @@ TEST(Ledger, LooksAlsoAtWhatComesBeforeAPushedLift) {
   EXPECT_EQ(run.attribution->ledger[1], (LedgerResult{1, 0, 0, 0, 1}));
   EXPECT_EQ(run.tasks[0].criticality, 1.0);
   EXPECT_EQ(run.tasks[1].criticality, 1.0);
+}
+
+TEST(Ledger, CountsAllDaysThatMoveAMilestoneAtTheStartOfADay) {
+  // A works days 1 to 5, and the start milestone then stands at the beginning of day 6; A loses the
+  // days 2 and 3, and the milestone stands at the beginning of day 8.
+  WeatherPlan plan;
+  plan.AddTask("A", 5);
+  plan.AddTask("M", 0, {"A"}).kind = engine::TaskKind::kStartMilestone;
+  plan.AddWeatherCalendar("RAIN");
+  plan.Assign("A", "RAIN");
+  plan.AddPeriod("RAIN", 2, 3, Always(2));
+  const RunResult run = Attribute(plan, 1);
+  EXPECT_EQ(run.finish_samples[0].Minutes() - run.attribution->none[0].Minutes(), 2 * 24 * 60);
+  EXPECT_EQ(run.attribution->ledger[0], (LedgerResult{2, 0, 0, 0, 2}));
 }
 
 TEST(Ledger, CountsDaysOffOfTheTasksOwnCalendars) {

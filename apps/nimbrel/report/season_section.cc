@@ -170,6 +170,18 @@ std::string Legend() {
 
 }  // namespace
 
+namespace {
+
+bool LosesDays(const Figures& figures) {
+  bool loses = false;
+  for (std::size_t i = 0; i < figures.CountAt("/heat_maps"); ++i) {
+    loses = loses || !figures.At(fmt::format("/heat_maps/{}/first_day", i)).is_null();
+  }
+  return loses;
+}
+
+}  // namespace
+
 std::vector<std::size_t> HeatMapsShown(const Figures& figures) {
   std::vector<std::size_t> shown;
   const std::size_t count = figures.CountAt("/heat_maps");
@@ -180,7 +192,7 @@ std::vector<std::size_t> HeatMapsShown(const Figures& figures) {
     for (const auto& [month, lost] : map.at("months").items()) {
       days += lost.get<double>();
     }
-    if (days > 0) {
+    if (!map.at("first_day").is_null()) {
       order.emplace_back(days, i);
     }
   }
@@ -205,7 +217,11 @@ std::string SeasonSection(const Figures& figures, const FinishPlaces& places) {
   const std::string title = "When the weather strikes";
   const std::vector<std::size_t> shown = HeatMapsShown(figures);
   if (shown.empty()) {
-    return Section("season", title, "<p>No calendar loses a day in any iteration.</p>\n");
+    return Section("season", title,
+                   LosesDays(figures)
+                       ? "<p>The calendars span too many years to draw them: " +
+                             std::string("the table heat_map.csv of --csv has every day.</p>\n")
+                       : "<p>No calendar loses a day in any iteration.</p>\n");
   }
   const Years years = YearsOf(figures, shown);
   std::string body =

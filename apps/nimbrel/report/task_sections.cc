@@ -38,6 +38,14 @@ std::string DriverTable(const Figures& figures, const std::string& place) {
   return table.Html() + CutNote(shown, all, "tasks", "sensitivity.csv");
 }
 
+/// Tasks that the chart of a target shows a bar of, were there room for all.
+std::size_t CountDrivers(const Figures& figures, const std::string& target) {
+  const Json& tasks = figures.At(target + "/tasks");
+  return static_cast<std::size_t>(std::count_if(tasks.begin(), tasks.end(), [](const Json& task) {
+    return task.at("cruciality").get<double>() > 0;
+  }));
+}
+
 /// Positions in /tasks of the tasks that were on a driving path, the most critical first.
 /// Milestones are told apart, and what is over drives nothing that can still be changed.
 std::vector<std::size_t> CriticalTasks(const Figures& figures) {
@@ -79,11 +87,12 @@ std::string DriverSection(const Figures& figures) {
                 ? "<h3>The plan’s finish</h3>\n"
                 : fmt::format("<h3>{} {}</h3>\n", figures.Show(place + "/target", Form::kText),
                               figures.Show(place + "/name", Form::kText));
-    if (figures.CountAt(place + "/tasks") == 0) {
+    const std::size_t drivers = CountDrivers(figures, place);
+    if (drivers == 0) {
       body += "<p>No task’s duration varies on a way to it.</p>\n";
       continue;
     }
-    const std::size_t shown = std::min(figures.CountAt(place + "/tasks"), kTornadoTasks);
+    const std::size_t shown = std::min(drivers, kTornadoTasks);
     const std::string tasks =
         shown == 1 ? "task" : fmt::format("{} tasks with the greatest cruciality", shown);
     body += ChartFigure(

@@ -102,7 +102,9 @@ std::string CostSection(const Figures& figures, const FinishPlaces& places) {
     return Section("cost", title, "<p>The run had no weather.</p>\n");
   }
   std::string body;
-  if (figures.Has("/attribution")) {
+  if (figures.Has("/attribution") && figures.CountAt("/attribution/calendars") == 0) {
+    body = "<p>The plan has no weather calendars.</p>\n";
+  } else if (figures.Has("/attribution")) {
     body =
         "<h3>By calendar</h3>\n" +
         ChartFigure(

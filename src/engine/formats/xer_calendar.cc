@@ -151,8 +151,8 @@ std::vector<FileShift> ReadShifts(const Node& day) {
   for (const Node& node : day.children) {
     const int begin = ReadShiftEnd(node, "s");
     const int end = ReadShiftEnd(node, "f");
-    // 24:00 as a begin is 00:00: a whole day of work is written with the same time twice. Hours are
-    // kept in halves, so that 23:59 can only mean the end of the day.
+    // 24:00 as a begin is 00:00: a whole day of work is written with the same time twice. An end
+    // at 23:59 is how files write the end of the day.
     const bool to_midnight = end == 0 || end == kMinutesPerDay - 1;
     shifts.push_back({begin % kMinutesPerDay, to_midnight ? kMinutesPerDay : end});
   }

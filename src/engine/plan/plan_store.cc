@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "engine/plan/plan_fault.h"
 #include "engine/plan/plan_rows.h"
@@ -101,13 +102,19 @@ void Store(SqliteDatabase& database, const Plan& plan) {
   database.Execute("COMMIT");
 }
 
-/// Which state of the file a transaction on it sees.
-PlanRevision RevisionOf(const SqliteDatabase& database, const std::string& path) {
+/// The file at a path: its device and its number there.
+std::pair<std::uint64_t, std::uint64_t> IdentityOf(const std::string& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) {
     throw FileTrouble(path, std::string("cannot be read: ") + std::strerror(errno));
   }
-  return {status.st_dev, status.st_ino, database.ChangeCount()};
+  return {status.st_dev, status.st_ino};
+}
+
+/// Which state of the file a transaction on it sees.
+PlanRevision RevisionOf(const SqliteDatabase& database, const std::string& path) {
+  const auto [device, file] = IdentityOf(path);
+  return {device, file, database.ChangeCount()};
 }
 
 void SaveOver(const Plan& plan, const std::string& path, const PlanRevision* expected) {
@@ -244,10 +251,14 @@ StoredPlan LoadStoredPlan(const std::string& path) {
   RequireRegularFile(path);
   StoredPlan stored;
   try {
+    const auto before = IdentityOf(path);
     SqliteDatabase database(path);
     database.Execute("BEGIN");  // all tables as they are at one moment
     stored.plan = ReadPlanRows(database, RequirePlanFile(database, path));
     stored.revision = RevisionOf(database, path);
+    if (std::pair(stored.revision.device, stored.revision.file) != before) {
+      throw FileTrouble(path, "cannot be read: another program has just replaced it; try again");
+    }
   } catch (const SqliteError& error) {
     throw Explain(error, path, "read");
   } catch (const UnexpectedValue& error) {

@@ -77,7 +77,7 @@ struct RunChoices {
 /// iterations finish: the difference of the two means, of the two P50s and so on.
 struct DayFigures {
   double mean = 0, p50 = 0, p80 = 0, p90 = 0;
-  // Their 95% intervals: see HalfWidthOfDifference.
+  // Their 95% intervals: see IntervalOfDifference.
   double p50_low = 0, p50_high = 0, p80_low = 0, p80_high = 0, p90_low = 0, p90_high = 0;
   friend bool operator==(const DayFigures&, const DayFigures&) = default;
 };
@@ -115,8 +115,8 @@ struct LedgerRow {
   double lost = 0;         // made non-working on the calendar
   double off = 0;          // no task of the calendar works on such a day anyway
   double idle = 0;         // tasks work on such a day, but none of the calendar's was under way
-  double absorbed = 0;     // held up tasks, none of which drove the finish
-  double moving = 0;       // held up a task that drove the finish
+  double absorbed = 0;     // held up tasks that had float, or had it still
+  double moving = 0;       // held up a task that drives the finish, and moved it
   std::int64_t tasks = 0;  // that the calendar is assigned to; without any, all days are `off`
   friend bool operator==(const LedgerRow&, const LedgerRow&) = default;
 };

@@ -143,11 +143,15 @@ void Ledger::Book(const LostDays& lost, Instant finish_without_weather, Instant 
   std::int32_t moved = 0;
   if (last_calendar_ != nullptr && finish_without_weather.Minutes() < finish.Minutes()) {
     const DayBits& works = last_is_weather_ ? last_calendar_->open() : last_calendar_->worked();
-    const bool ends_before_work =
-        works.Test(finish.day()) &&
-        last_calendar_->HoursOn(finish.day()).worked_before()[finish.minute()] == 0;
-    moved =
-        works.Count(finish_without_weather.day() + 1, finish.day()) - (ends_before_work ? 1 : 0);
+    // What ends as a day's work begins has not used that day.
+    const auto unused = [&](Instant end) {
+      return works.Test(end.day()) &&
+                     last_calendar_->HoursOn(end.day()).worked_before()[end.minute()] == 0
+                 ? 1
+                 : 0;
+    };
+    moved = works.Count(finish_without_weather.day() + 1, finish.day()) - unused(finish) +
+            unused(finish_without_weather);
   }
   const std::int32_t first = lost.first_word();
   const std::int32_t last = lost.last_word();

@@ -390,14 +390,16 @@ class Maker {
     }
   }
 
-  /// How many tasks a weather calendar is assigned to.
+  /// How many tasks a weather calendar is assigned to, or are on it by their own.
   std::int64_t TasksOn(const std::string& calendar) const {
     const RiskCalendarDefinition* definition = plan_.FindRiskCalendar(calendar);
     if (definition == nullptr) {
       return 0;
     }
-    return std::count_if(plan_.tasks().begin(), plan_.tasks().end(), [&](const Task& task) {
-      return std::any_of(task.risk_calendars.begin(), task.risk_calendars.end(),
+    return std::count_if(run_.tasks.begin(), run_.tasks.end(), [&](const TaskResult& result) {
+      const Task& task = *plan_.FindTask(result.task);
+      return (definition->calendar != 0 && task.calendar == definition->calendar) ||
+             std::any_of(task.risk_calendars.begin(), task.risk_calendars.end(),
                          [&](const RiskAssignment& assigned) {
                            return assigned.risk_calendar == definition->uid;
                          });

@@ -123,7 +123,7 @@ void RunWorker::TakeResults(std::int32_t iteration) {
     ledger_->Look(scheduler, lost_, driving_);
     const Instant finish = context_.board.finish(iteration);
     const std::span<Instant> finishes = context_.board.variant_finishes(iteration);
-    variants_.Schedule(maker_, iteration + 1, lost_, finishes);
+    variants_.Schedule(maker_, iteration + 1, lost_, finish, finishes);
     ledger_->Book(lost_, finishes[RunLayout::kWithoutAny], finish, context_.board.ledger(number_));
   }
 }

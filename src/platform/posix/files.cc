@@ -23,9 +23,11 @@ PartialFile::PartialFile(const std::string& target) : target_(target) {
   if (stat(target.c_str(), &there) == 0) {
     permissions_ = static_cast<int>(there.st_mode & 07777);
   }
+  // Nobody may read it before it has the permissions of what it takes the place of.
+  const mode_t first = permissions_ >= 0 ? 0600 : 0666;
   for (int attempt = 0; file_ < 0; ++attempt) {
     path_ = target + ".part" + std::to_string(getpid()) + "-" + std::to_string(attempt);
-    file_ = open(path_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
+    file_ = open(path_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, first);
     if (file_ < 0 && errno != EEXIST) {
       RaiseSystemError();
     }
@@ -42,8 +44,8 @@ std::string PartialFile::CPath() const {
 }
 
 void PartialFile::PutInPlace() {
-  if (permissions_ >= 0) {
-    fchmod(file_, static_cast<mode_t>(permissions_));
+  if (permissions_ >= 0 && fchmod(file_, static_cast<mode_t>(permissions_)) != 0) {
+    RaiseSystemError();
   }
   // What has not reached the disk must not take the place of what has.
   if ((fsync(file_) != 0 && errno != EINVAL && errno != EROFS) ||
