@@ -37,21 +37,31 @@ class Neighbourhood {
     for (const Instant sample : of.samples) {
       minutes_.push_back(sample.Minutes());
     }
-    std::sort(minutes_.begin(), minutes_.end());
     const auto count = static_cast<std::int64_t>(minutes_.size());
     const double p = of.percentile.percent / 100.0;
     rank_ = PercentileRank(count, of.percentile.percent);
     deviation_ = std::sqrt(static_cast<double>(count) * p * (1.0 - p));
+    // Of many samples only those that are asked for are put in order.
+    const auto first = minutes_.begin() + PlaceOf(-kFarthest);
+    const auto last = minutes_.begin() + PlaceOf(kFarthest);
+    std::nth_element(minutes_.begin(), first, minutes_.end());
+    std::nth_element(first, last, minutes_.end());
+    std::sort(first, last);
   }
 
-  std::int64_t At(double z) const {
-    const std::int64_t rank = rank_ + std::llround(z * deviation_);
-    const auto last = static_cast<std::int64_t>(minutes_.size()) - 1;
-    return minutes_[static_cast<std::size_t>(std::clamp<std::int64_t>(rank, 0, last))];
-  }
+  /// `z` is at most kFarthest, either way.
+  std::int64_t At(double z) const { return minutes_[static_cast<std::size_t>(PlaceOf(z))]; }
 
  private:
-  std::vector<std::int64_t> minutes_;  // in order
+  /// More than two numbers at the ends of the steps below, put together, can make.
+  static constexpr double kFarthest = 4.0;
+
+  std::ptrdiff_t PlaceOf(double z) const {
+    const std::int64_t rank = rank_ + std::llround(z * deviation_);
+    return std::clamp<std::int64_t>(rank, 0, static_cast<std::int64_t>(minutes_.size()) - 1);
+  }
+
+  std::vector<std::int64_t> minutes_;  // in order around the percentile
   std::int64_t rank_ = 0;
   double deviation_ = 0;
 };
