@@ -20,6 +20,8 @@ constexpr const wchar_t* kSource = L"Nimbrel";
 /// The program of an object has ended.
 constexpr std::int32_t kServerGone = 462;
 constexpr std::int32_t kOutOfMemory = 7;
+/// Excel's own failure while a cell is being edited.
+constexpr auto kExcelIgnores = static_cast<HRESULT>(0x800AC472);
 
 /// Failures of COM that run-time errors have numbers for.
 constexpr std::array<std::pair<HRESULT, std::int32_t>, 23> kNumbers = {{
@@ -95,7 +97,22 @@ std::int32_t ErrorNumberOf(HRESULT failure) {
   return failure;
 }
 
+bool IsBusy(HRESULT result) {
+  return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER ||
+         result == kExcelIgnores;
+}
+
+void ForgetLeftError() {
+  SetErrorInfo(0, nullptr);
+}
+
 void RaiseFailure(HRESULT failure, std::string_view subject, std::string text) {
+  ForgetLeftError();
+  if (IsBusy(failure)) {
+    const std::string_view program = subject.substr(0, subject.find('.'));
+    text = std::string(program) + " is busy: an entry or a dialog may be open in it (" +
+           std::string(subject) + ")";
+  }
   if (text.empty()) {
     text = SystemText(failure);
     if (text.empty()) {
@@ -125,6 +142,7 @@ void RaiseInvokeFailure(HRESULT failure, EXCEPINFO& exception, std::string_view 
     RaiseFailure(failure, subject);
   }
   if (exception.wCode != 0) {
+    ForgetLeftError();
     throw RuntimeError(exception.wCode, text.empty() ? std::string(subject) : text);
   }
   RaiseFailure(FAILED(exception.scode) ? exception.scode : E_FAIL, subject, std::move(text));

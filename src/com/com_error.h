@@ -21,12 +21,19 @@ HRESULT ToHResult(const platform::RuntimeError& error);
 /// The error that a failure stands for.
 std::int32_t ErrorNumberOf(HRESULT failure);
 
+/// Whether a call has failed because the other program takes none just now.
+bool IsBusy(HRESULT result);
+
+/// Forgets the error object that some earlier call has left with the thread, so that the next
+/// failure is not told in its words.
+void ForgetLeftError();
+
 /// Raises the error of a failure. `text` is what is known of it; empty: the system's own words,
-/// behind `subject` ("Plan.Name").
+/// behind `subject` ("Plan.Name"). The thread's error object is forgotten.
 [[noreturn]] void RaiseFailure(HRESULT failure, std::string_view subject, std::string text = {});
 
 /// RaiseFailure if `result` is a failure. The text of the thread's error object is used, if the
-/// call has left one.
+/// call has left one; where others may have left one before, ForgetLeftError goes before the call.
 void Check(HRESULT result, std::string_view subject);
 
 /// Raises the error of a failed IDispatch::Invoke, whose exception record is `exception`, and frees

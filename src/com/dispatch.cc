@@ -14,18 +14,48 @@ constexpr ULONG kBatch = 32;
 /// Names of members and formats of cells are English ones, whatever language the user has.
 constexpr LCID kLanguage = MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT);
 
+std::chrono::milliseconds g_busy_patience = std::chrono::seconds(10);
+
 DISPID AskForId(IDispatch& object, const std::string& subject, std::string_view member) {
   std::wstring name = platform::ToWide(member);
   wchar_t* names = name.data();
   DISPID id = DISPID_UNKNOWN;
-  if (const HRESULT result = object.GetIDsOfNames(IID_NULL, &names, 1, kLanguage, &id);
+  if (const HRESULT result =
+          WhenNotBusy([&] { return object.GetIDsOfNames(IID_NULL, &names, 1, kLanguage, &id); });
       FAILED(result)) {
     RaiseFailure(result, subject);
   }
   return id;
 }
 
+/// IDispatch::Invoke, which gives its result to `result` if that is not null.
+void InvokeMember(IDispatch& object, DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT* result,
+                  const std::string& subject) {
+  EXCEPINFO exception = {};
+  const auto invoke = [&](WORD kind) {
+    return WhenNotBusy([&] {
+      exception = {};
+      return object.Invoke(id, IID_NULL, kLanguage, kind, &parameters, result, &exception, nullptr);
+    });
+  };
+  HRESULT outcome = invoke(flags);
+  if (outcome == DISP_E_MEMBERNOTFOUND && flags == DISPATCH_PROPERTYPUTREF) {
+    outcome = invoke(DISPATCH_PROPERTYPUT);
+  }
+  if (FAILED(outcome)) {
+    RaiseInvokeFailure(outcome, exception, subject);
+  }
+}
+
 }  // namespace
+
+std::chrono::milliseconds SetBusyPatience(std::chrono::milliseconds patience) {
+  return std::exchange(g_busy_patience, patience);
+}
+
+std::chrono::milliseconds BusyPatience() {
+  return g_busy_patience;
+}
 
 DISPID MemberIds::Find(IDispatch& object, const std::string& subject, std::string_view member) {
   const auto found = ids_.find(subject);
@@ -54,33 +84,15 @@ void Dispatch::Put(std::string_view member, const VARIANT& value,
   backwards.insert(backwards.end(), arguments.rbegin(), arguments.rend());
   DISPID put = DISPID_PROPERTYPUT;
   DISPPARAMS parameters = {backwards.data(), &put, static_cast<UINT>(backwards.size()), 1};
-  const auto invoke = [&](WORD flags, EXCEPINFO& exception) {
-    return object_->Invoke(id, IID_NULL, kLanguage, flags, &parameters, nullptr, &exception,
-                           nullptr);
-  };
-  EXCEPINFO exception = {};
-  HRESULT result = DISP_E_MEMBERNOTFOUND;
-  if (value.vt == VT_DISPATCH) {
-    result = invoke(DISPATCH_PROPERTYPUTREF, exception);
-  }
-  if (result == DISP_E_MEMBERNOTFOUND) {
-    result = invoke(DISPATCH_PROPERTYPUT, exception);
-  }
-  if (FAILED(result)) {
-    RaiseInvokeFailure(result, exception, Subject(member));
-  }
+  const WORD flags = value.vt == VT_DISPATCH ? DISPATCH_PROPERTYPUTREF : DISPATCH_PROPERTYPUT;
+  InvokeMember(*object_.get(), id, flags, parameters, nullptr, Subject(member));
 }
 
 std::vector<ComVariant> Dispatch::Elements() const {
   const std::string subject = Subject("_NewEnum");
   DISPPARAMS none = {};
-  EXCEPINFO exception = {};
   ComVariant made;
-  if (const HRESULT result = object_->Invoke(DISPID_NEWENUM, IID_NULL, kLanguage, kRead, &none,
-                                             made.get(), &exception, nullptr);
-      FAILED(result)) {
-    RaiseInvokeFailure(result, exception, subject);
-  }
+  InvokeMember(*object_.get(), DISPID_NEWENUM, kRead, none, made.get(), subject);
   ComPtr<IEnumVARIANT> walk;
   if (made.type() == VT_UNKNOWN || made.type() == VT_DISPATCH) {
     walk = ComPtr<IUnknown>(made.get()->punkVal).As<IEnumVARIANT>(IID_IEnumVARIANT);
@@ -95,7 +107,8 @@ std::vector<ComVariant> Dispatch::Elements() const {
     std::vector<VARIANT> batch(kBatch);
     std::for_each(batch.begin(), batch.end(), [](VARIANT& element) { VariantInit(&element); });
     fetched = 0;
-    result = walk->Next(kBatch, batch.data(), &fetched);
+    ForgetLeftError();
+    result = WhenNotBusy([&] { return walk->Next(kBatch, batch.data(), &fetched); });
     Check(result, subject);
     for (ULONG i = 0; i < fetched; ++i) {
       *elements.emplace_back().get() = batch[i];
@@ -114,13 +127,8 @@ ComVariant Dispatch::Invoke(std::string_view member, WORD flags,
   const DISPID id = IdOf(member);
   std::vector<VARIANT> backwards(arguments.rbegin(), arguments.rend());
   DISPPARAMS parameters = {backwards.data(), nullptr, static_cast<UINT>(backwards.size()), 0};
-  EXCEPINFO exception = {};
   ComVariant result;
-  if (const HRESULT outcome = object_->Invoke(id, IID_NULL, kLanguage, flags, &parameters,
-                                              result.get(), &exception, nullptr);
-      FAILED(outcome)) {
-    RaiseInvokeFailure(outcome, exception, Subject(member));
-  }
+  InvokeMember(*object_.get(), id, flags, parameters, result.get(), Subject(member));
   return result;
 }
 

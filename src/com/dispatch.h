@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <span>
 #include <string>
@@ -7,10 +8,32 @@
 #include <unordered_map>
 #include <vector>
 
+#include "com/com_error.h"
 #include "com/com_ptr.h"
 #include "com/com_variant.h"
 
 namespace nimbrel::com {
+
+/// Sets how long each call of another program's object is repeated while that program is busy (a
+/// cell is being edited in it, a dialog of its own is open, it is still starting), 10 seconds at
+/// first. For the whole program; gives what held before.
+std::chrono::milliseconds SetBusyPatience(std::chrono::milliseconds patience);
+std::chrono::milliseconds BusyPatience();
+
+/// Makes a call to another program, again and again while that is busy, and gives its last result.
+/// Done here and not by a message filter: the thread's filter is the host's own, and Excel also
+/// refuses calls by a failure that filters do not see.
+template <class Call>
+HRESULT WhenNotBusy(const Call& call) {
+  constexpr DWORD kPause = 100;  // milliseconds
+  const auto until = std::chrono::steady_clock::now() + BusyPatience();
+  HRESULT result = call();
+  while (IsBusy(result) && std::chrono::steady_clock::now() < until) {
+    Sleep(kPause);
+    result = call();
+  }
+  return result;
+}
 
 /// The numbers that the objects of one host have for the names of their members, by class and name:
 /// asked for once, since the question costs as much as the call.
@@ -23,11 +46,14 @@ class MemberIds {
   std::unordered_map<std::string, DISPID> ids_;
 };
 
-/// Calls an object's members by name. Failures are raised as run-time errors.
+/// Calls an object's members by name. Failures are raised as run-time errors. A call that is
+/// refused because the other program is busy is made again until it is taken, or patience ends; the
+/// error is then the failure itself.
 class Dispatch {
  public:
-  /// `class_name` is what errors call the object, and what its members are remembered under; empty:
-  /// they are not remembered. `object` must not be null.
+  /// `class_name` is what errors call the object ("Object" if it is empty), and what its members
+  /// are remembered under in `ids`; without that they are not remembered. `object` must not be
+  /// null.
   Dispatch(ComPtr<IDispatch> object, std::string class_name, std::shared_ptr<MemberIds> ids);
 
   IDispatch* object() const { return object_.get(); }
@@ -39,8 +65,8 @@ class Dispatch {
   /// An object as a value is put by reference, and by value if the member takes it so only.
   void Put(std::string_view member, const VARIANT& value,
            std::span<const VARIANT> arguments = {}) const;
-  /// The objects of a collection, in its order. Raises error 438 if it is none, error 13 for an
-  /// element that is no object.
+  /// The elements of a collection, in its order and as it gives them: whether they are objects is
+  /// for the caller to see. Raises error 438 if it is no collection.
   std::vector<ComVariant> Elements() const;
 
  private:

@@ -13,12 +13,6 @@ using platform::Object;
 using platform::Ref;
 using platform::Variant;
 
-Ref<Object> FromDispatch(IDispatch* object) {
-  return object == nullptr
-             ? nullptr
-             : Ref<Object>(platform::MakeRef<DispatchObject>(ComPtr<IDispatch>(object)));
-}
-
 ComPtr<IDispatch> ToDispatch(const Ref<Object>& object) {
   const auto* ours = dynamic_cast<const DispatchObject*>(object.get());
   if (ours == nullptr) {
@@ -46,11 +40,20 @@ class Arguments {
 
 }  // namespace
 
-DispatchObject::DispatchObject(ComPtr<IDispatch> object)
-    : dispatch_(std::move(object), "", nullptr) {}
+DispatchObject::DispatchObject(ComPtr<IDispatch> object, std::string program)
+    : program_(std::move(program)), dispatch_(std::move(object), program_, nullptr) {}
+
+FromObject DispatchObject::Wrap() const {
+  return [this](IDispatch* object) -> Ref<Object> {
+    if (object == nullptr) {
+      return nullptr;
+    }
+    return platform::MakeRef<DispatchObject>(ComPtr<IDispatch>(object), program_);
+  };
+}
 
 Variant DispatchObject::DoGet(std::string_view member, std::span<const Variant> arguments) {
-  return FromComVariant(*dispatch_.Get(member, Arguments(arguments).plain()).get(), FromDispatch);
+  return FromComVariant(*dispatch_.Get(member, Arguments(arguments).plain()).get(), Wrap());
 }
 
 void DispatchObject::DoPut(std::string_view member, const Variant& value,
@@ -60,13 +63,13 @@ void DispatchObject::DoPut(std::string_view member, const Variant& value,
 }
 
 Variant DispatchObject::DoCall(std::string_view member, std::span<const Variant> arguments) {
-  return FromComVariant(*dispatch_.Call(member, Arguments(arguments).plain()).get(), FromDispatch);
+  return FromComVariant(*dispatch_.Call(member, Arguments(arguments).plain()).get(), Wrap());
 }
 
 std::vector<Ref<AutomationObject>> DispatchObject::DoItems() {
   std::vector<Ref<AutomationObject>> items;
   for (const ComVariant& element : dispatch_.Elements()) {
-    items.push_back(platform::ToAutomationObject(FromComVariant(*element.get(), FromDispatch)));
+    items.push_back(platform::ToAutomationObject(FromComVariant(*element.get(), Wrap())));
   }
   return items;
 }
@@ -77,7 +80,8 @@ bool ComServers::IsInstalled(const std::string& identifier) {
 }
 
 Ref<AutomationObject> ComServers::CreateObject(const std::string& identifier) {
-  return platform::MakeRef<DispatchObject>(CreateByIdentifier(identifier));
+  return platform::MakeRef<DispatchObject>(CreateByIdentifier(identifier),
+                                           identifier.substr(0, identifier.find('.')));
 }
 
 ComPtr<IDispatch> CreateByIdentifier(const std::string& identifier) {
@@ -85,7 +89,9 @@ ComPtr<IDispatch> CreateByIdentifier(const std::string& identifier) {
   HRESULT result = CLSIDFromProgID(platform::ToWide(identifier).c_str(), &id);
   ComPtr<IDispatch> object;
   if (SUCCEEDED(result)) {
-    result = CoCreateInstance(id, nullptr, CLSCTX_SERVER, IID_IDispatch, object.ReceiveVoid());
+    result = WhenNotBusy([&] {
+      return CoCreateInstance(id, nullptr, CLSCTX_SERVER, IID_IDispatch, object.ReceiveVoid());
+    });
   }
   if (FAILED(result)) {
     throw platform::RuntimeError(platform::kCannotCreateObject,

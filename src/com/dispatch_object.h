@@ -12,8 +12,8 @@ namespace nimbrel::com {
 /// number and text that it gave; error 462 says that it has ended.
 class DispatchObject final : public platform::AutomationObject {
  public:
-  /// `object` must not be null.
-  explicit DispatchObject(ComPtr<IDispatch> object);
+  /// `program` is what errors call it and every object that it gives. `object` must not be null.
+  DispatchObject(ComPtr<IDispatch> object, std::string program);
 
   IDispatch* dispatch() const { return dispatch_.object(); }
 
@@ -27,6 +27,10 @@ class DispatchObject final : public platform::AutomationObject {
   std::vector<platform::Ref<platform::AutomationObject>> DoItems() override;
 
  private:
+  /// Objects that the program gives, as this one is.
+  FromObject Wrap() const;
+
+  std::string program_;
   Dispatch dispatch_;
 };
 

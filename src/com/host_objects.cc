@@ -1,5 +1,7 @@
 #include "com/host_objects.h"
 
+#include <utility>
+
 namespace nimbrel::com {
 
 ComPtr<IDispatch> ObjectOf(const VARIANT& value) {
@@ -20,12 +22,11 @@ ComPtr<IDispatch> ObjectOf(const VARIANT& value) {
 }
 
 std::vector<Ref<Corvane8::Task>> HostTask::get_Children() {
-  const ComVariant children = dispatch().Get("Children");
-  if (children.type() != VT_DISPATCH || children.get()->pdispVal == nullptr) {
+  ComPtr<IDispatch> children = ObjectOf(*dispatch().Get("Children").get());
+  if (!children) {
     throw platform::RuntimeError(platform::kTypeMismatch, "Task.Children: no collection");
   }
-  return ElementsOf<Corvane8::Task>(
-      Dispatch(ComPtr<IDispatch>(children.get()->pdispVal), "Children", dispatch().ids()));
+  return ElementsOf<Corvane8::Task>(Dispatch(std::move(children), "Children", dispatch().ids()));
 }
 
 }  // namespace nimbrel::com

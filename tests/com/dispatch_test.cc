@@ -83,6 +83,78 @@ class ByValueObject final : public NotingObject {
   }
 };
 
+/// Has something else to do for its first calls.
+class BusyObject final : public NotingObject {
+ public:
+  explicit BusyObject(std::vector<HRESULT> refusals) : refusals_(std::move(refusals)) {}
+
+ private:
+  HRESULT Answer(WORD /*flags*/, VARIANT* /*result*/, EXCEPINFO* /*exception*/) override {
+    const std::size_t made = flags().size();
+    return made <= refusals_.size() ? refusals_[made - 1] : S_OK;
+  }
+
+  std::vector<HRESULT> refusals_;
+};
+
+/// Gives its only element, itself, as an object of which nothing is said but that it is one.
+class OwnChild final : public NotingObject {
+  class Walk final : public ComObject<IEnumVARIANT> {
+   public:
+    explicit Walk(ComPtr<IUnknown> element) : element_(std::move(element)) {}
+
+    HRESULT STDMETHODCALLTYPE Next(ULONG /*count*/, VARIANT* elements, ULONG* fetched) override {
+      elements[0].vt = VT_UNKNOWN;
+      elements[0].punkVal = element_.Detach();
+      *fetched = 1;
+      return S_FALSE;
+    }
+    HRESULT STDMETHODCALLTYPE Skip(ULONG /*count*/) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reset() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** /*copy*/) override { return E_NOTIMPL; }
+
+   private:
+    void* Find(REFIID id) override {
+      return id == IID_IUnknown || id == IID_IEnumVARIANT ? this : nullptr;
+    }
+
+    ComPtr<IUnknown> element_;
+  };
+
+  HRESULT Answer(WORD /*flags*/, VARIANT* result, EXCEPINFO* /*exception*/) override {
+    ComPtr<IUnknown> own(static_cast<IDispatch*>(this));
+    const bool is_walk = flags().size() > 1;  // after Children
+    result->vt = VT_UNKNOWN;
+    result->punkVal = is_walk ? MakeCom<Walk>(std::move(own)).Detach() : own.Detach();
+    return S_OK;
+  }
+};
+
+/// Fails in the middle of a walk and leaves no error object.
+class BrokenWalkObject final : public NotingObject {
+  class Walk final : public ComObject<IEnumVARIANT> {
+   public:
+    HRESULT STDMETHODCALLTYPE Next(ULONG /*count*/, VARIANT* /*elements*/,
+                                   ULONG* /*fetched*/) override {
+      return E_UNEXPECTED;
+    }
+    HRESULT STDMETHODCALLTYPE Skip(ULONG /*count*/) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Reset() override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** /*copy*/) override { return E_NOTIMPL; }
+
+   private:
+    void* Find(REFIID id) override {
+      return id == IID_IUnknown || id == IID_IEnumVARIANT ? this : nullptr;
+    }
+  };
+
+  HRESULT Answer(WORD /*flags*/, VARIANT* result, EXCEPINFO* /*exception*/) override {
+    result->vt = VT_UNKNOWN;
+    result->punkVal = MakeCom<Walk>().Detach();
+    return S_OK;
+  }
+};
+
 /// Fails, and says how only when it is asked.
 class DeferringObject final : public NotingObject {
   static HRESULT WINAPI Fill(EXCEPINFO* exception) {
@@ -120,6 +192,46 @@ TEST(Dispatch, AnObjectIsSetAndWhereThatIsNotToBeHadPut) {
   Calling(by_value).Put("Name", *ComVariant::Of(std::string_view("A")).get());
   EXPECT_THAT(by_value->flags(),
               ElementsAre(DISPATCH_PROPERTYPUTREF, DISPATCH_PROPERTYPUT, DISPATCH_PROPERTYPUT));
+}
+
+TEST(Dispatch, ARefusedCallIsMadeAgainUntilItIsTaken) {
+  const auto busy = MakeCom<BusyObject>(std::vector<HRESULT>{
+      RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER, static_cast<HRESULT>(0x800AC472)});
+  const ComVariant object = ComVariant::Of(busy.get());
+  Calling(busy).Put("Calendar", *object.get());
+  EXPECT_THAT(busy->flags(), ElementsAre(DISPATCH_PROPERTYPUTREF, DISPATCH_PROPERTYPUTREF,
+                                         DISPATCH_PROPERTYPUTREF, DISPATCH_PROPERTYPUTREF));
+}
+
+TEST(Dispatch, WhatNeverEndsIsGivenUpWithItsReason) {
+  const auto before = SetBusyPatience(std::chrono::milliseconds(250));
+  const auto busy = MakeCom<BusyObject>(std::vector<HRESULT>(10'000, RPC_E_CALL_REJECTED));
+  const auto error = ErrorOf([&] { Calling(busy).Call("Activate"); });
+  SetBusyPatience(before);
+  EXPECT_EQ(error.first, RPC_E_CALL_REJECTED);
+  EXPECT_EQ(error.second, "Sheet is busy: an entry or a dialog may be open in it (Sheet.Activate)");
+  EXPECT_GE(busy->flags().size(), 2U);
+}
+
+TEST(Dispatch, AnotherFailureIsNotTriedAgain) {
+  const auto failing = MakeCom<BusyObject>(std::vector<HRESULT>{E_UNEXPECTED});
+  EXPECT_NE(ErrorOf([&] { Calling(failing).Call("Activate"); }).first, 0);
+  EXPECT_EQ(failing->flags().size(), 1U);
+}
+
+TEST(Dispatch, WhatAnEarlierFailureHasLeftIsNotToldOfALaterOne) {
+  LeaveErrorInfo(platform::RuntimeError(5, "an earlier failure"));
+  const auto error = ErrorOf([] { Calling(MakeCom<BrokenWalkObject>()).Elements(); });
+  EXPECT_EQ(error.first, E_UNEXPECTED);
+  EXPECT_THAT(error.second, ::testing::StartsWith("Sheet._NewEnum: "));
+}
+
+TEST(HostObjects, ChildrenComeAsAnyObjectDoes) {
+  const auto task = platform::MakeRef<HostTask>(MakeCom<OwnChild>().As<IDispatch>(IID_IDispatch),
+                                                std::make_shared<MemberIds>());
+  const auto children = task->get_Children();
+  ASSERT_EQ(children.size(), 1U);
+  EXPECT_FALSE(children[0].IsNothing());
 }
 
 TEST(Dispatch, AFailureThatIsToldLateIsAskedFor) {

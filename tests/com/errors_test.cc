@@ -130,6 +130,14 @@ TEST(ComErrors, AnExceptionRecordGivesItsNumberAndText) {
             std::pair(1001, std::string("Sheet.Range")));
 }
 
+TEST(ComErrors, AFailureTakesTheThreadsErrorObjectWithIt) {
+  LeaveErrorInfo(RuntimeError(5, "no such plan"));
+  EXPECT_EQ(ErrorOf([] { Check(E_FAIL, "Plan"); }).second, "no such plan");
+  LeaveErrorInfo(RuntimeError(5, "no such plan"));
+  EXPECT_NE(ErrorOf([] { RaiseFailure(DISP_E_UNKNOWNNAME, "Plan.Nonsense"); }).first, 0);
+  EXPECT_THAT(ErrorOf([] { Check(E_FAIL, "Advise"); }).second, ::testing::StartsWith("Advise: "));
+}
+
 TEST(ComErrors, WhatIsNoRuntimeErrorBecomesOneAtTheBorder) {
   std::int32_t number = 0;
   Guarded([] { throw std::logic_error("a fault"); },

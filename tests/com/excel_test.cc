@@ -73,6 +73,17 @@ class ExcelTest : public ::testing::Test {
     periods.Add(period);
     modImportExport::ExportEventSheet(sheet, periods, "NORTH SEA");
   }
+  /// What is asked of Excel to write that sheet, one step a line.
+  static std::string StepsOfExport() {
+    recording::Recorder recorder;
+    recording::RecordingExcel in_process(recorder);
+    Export(SecondSheet(in_process.CreateObject("Excel.Application")));
+    std::string steps;
+    for (const std::string& step : recorder.calls()) {
+      steps += step + "\n";
+    }
+    return steps;
+  }
   static std::string LogOf(const Ref<AutomationObject>& excel) {
     return excel->Get("TestLog").ToText(platform::DefaultLocale());
   }
@@ -94,14 +105,7 @@ TEST_F(ExcelTest, NotInstalledTheUserIsToldAndNothingFails) {
 TEST_F(ExcelTest, ASheetIsWrittenByTheSameStepsAsWithoutCom) {
   const auto excel = Start();
   Export(SecondSheet(excel));
-
-  recording::Recorder recorder;
-  recording::RecordingExcel in_process(recorder);
-  Export(SecondSheet(in_process.CreateObject("Excel.Application")));
-  std::string expected;
-  for (const std::string& step : recorder.calls()) {
-    expected += step + "\n";
-  }
+  const std::string expected = StepsOfExport();
   EXPECT_THAT(expected, HasSubstr("Sheet2.Cells(6, 5).Value = 0.25")) << "there is something";
   EXPECT_EQ(LogOf(excel), expected);
 }
@@ -134,6 +138,25 @@ TEST_F(ExcelTest, ARefusedBlockIsLeftAsItIs) {
 TEST_F(ExcelTest, OnlyACollectionCanBeWalked) {
   const auto excel = Start();
   EXPECT_EQ(ErrorOf([&] { excel->Items(); }).first, 438);
+}
+
+TEST_F(ExcelTest, ABusyOneIsWaitedFor) {
+  const auto excel = Start();
+  const auto sheet = SecondSheet(excel);
+  excel->Call("TestRefuse", {4});
+  Export(sheet);
+  EXPECT_EQ(LogOf(excel), StepsOfExport());
+}
+
+TEST_F(ExcelTest, OneThatStaysBusyEndsTheExportWithItsReason) {
+  const auto excel = Start();
+  const auto sheet = SecondSheet(excel);
+  const auto before = SetBusyPatience(std::chrono::milliseconds(150));
+  excel->Call("TestRefuse", {100'000});
+  EXPECT_THAT(ErrorOf([&] { Export(sheet); }).second, StartsWith("Excel is busy: "));
+  SetBusyPatience(before);
+  excel->Call("TestRefuse", {0});
+  Export(sheet);
 }
 
 // The last one: for a moment Wine still takes a program that was killed for running.

@@ -1,12 +1,14 @@
 // A program that other programs find as "Excel.Application". Beside the members of Excel its
-// application has three of its own: TestLog is what was asked of it, one step a line; TestProcess
-// is its process; TestFail makes the next step fail that has a text in it.
+// application has four of its own: TestLog is what was asked of it, one step a line; TestProcess
+// is its process; TestFail makes the next step fail that has a text in it; TestRefuse has it refuse
+// so many calls, as Excel does while a cell is being edited.
 
 #include <string>
 #include <utility>
 
 #include "com/class_factory.h"
 #include "com/registration.h"
+#include "platform/locale.h"
 #include "platform/text.h"
 #include "tests/com/excel/served_automation.h"
 #include "tests/support/automation/recording_excel.h"
@@ -50,6 +52,10 @@ class TestedApplication final : public AutomationObject {
   Variant DoCall(std::string_view member, std::span<const Variant> arguments) override {
     if (EqualsIgnoreCase(member, "TestFail")) {
       recorder_.FailOn(*arguments[0].Get<std::string>());
+      return {};
+    }
+    if (EqualsIgnoreCase(member, "TestRefuse")) {
+      RefuseCalls(arguments[0].ToLong(platform::DefaultLocale()), "TestRefuse");
       return {};
     }
     return CallOn(*excel_, member, arguments);

@@ -1,6 +1,7 @@
 #include "tests/com/excel/served_automation.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,6 +31,19 @@ struct Opened : AutomationObject {
 /// All names that were ever asked for; a member's number is its place, from 1.
 std::vector<std::string> g_names;
 
+std::int32_t g_refusals = 0;
+std::string g_never_refused;
+
+/// S_OK if a call of the member is taken, else one of the ways in which a busy Excel refuses.
+HRESULT Admit(const std::string& member) {
+  constexpr std::array kWays = {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER,
+                                static_cast<HRESULT>(0x800AC472)};
+  if (g_refusals <= 0 || platform::EqualsIgnoreCase(member, g_never_refused)) {
+    return S_OK;
+  }
+  return kWays[static_cast<std::size_t>(--g_refusals) % kWays.size()];
+}
+
 DISPID NumberOf(const std::string& name) {
   const auto found = std::find_if(g_names.begin(), g_names.end(), [&](const std::string& other) {
     return platform::EqualsIgnoreCase(other, name);
@@ -48,7 +62,11 @@ class ServedAutomation final : public UntypedObject {
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID /*id*/, LPOLESTR* names, UINT count,
                                           LCID /*locale*/, DISPID* ids) override {
     std::fill_n(ids, count, DISPID_UNKNOWN);
-    ids[0] = NumberOf(platform::ToUtf8(names[0]));
+    const std::string name = platform::ToUtf8(names[0]);
+    if (const HRESULT admitted = Admit(name); FAILED(admitted)) {
+      return admitted;
+    }
+    ids[0] = NumberOf(name);
     return count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
   }
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID /*interface_id*/, LCID /*locale*/, WORD flags,
@@ -56,6 +74,10 @@ class ServedAutomation final : public UntypedObject {
                                    UINT* /*wrong*/) override {
     if (id < 1 || id > std::ssize(g_names)) {
       return DISP_E_MEMBERNOTFOUND;
+    }
+    if (const HRESULT admitted = Admit(g_names[static_cast<std::size_t>(id - 1)]);
+        FAILED(admitted)) {
+      return admitted;
     }
     return Guarded(
         [&] {
@@ -104,6 +126,11 @@ class ServedAutomation final : public UntypedObject {
 
 ComPtr<IDispatch> ServeAutomation(const Ref<AutomationObject>& object) {
   return ComPtr<IDispatch>::Adopt(new ServedAutomation(object));
+}
+
+void RefuseCalls(std::int32_t count, const std::string& but) {
+  g_refusals = count;
+  g_never_refused = but;
 }
 
 Variant GetFrom(AutomationObject& object, std::string_view member,
