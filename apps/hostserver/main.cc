@@ -68,7 +68,7 @@ constexpr std::array kTrialMembers = {
     served::Method<&Trial::Quit>("Quit"),
     served::Get<&Trial::get_MeanFinish>("MeanFinish"),
 };
-constexpr served::ClassTable kTrialTable = {"TrialHost", kTrialMembers, nullptr};
+constexpr served::ClassTable kTrialTable = {"TrialHost", kTrialMembers, nullptr, nullptr};
 
 /// A class that others can make objects of while this lives.
 class OfferedClass {

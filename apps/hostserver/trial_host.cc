@@ -67,12 +67,20 @@ void TrialHost::NewPlan(std::int32_t time_unit, std::int32_t hours_per_day) {
   plan_.start = engine::ParseIsoText(kStart);
 }
 
+void TrialHost::RequireBegun() const {
+  if (plan_.calendars.empty()) {
+    Refuse("There is no plan yet: NewPlan begins one");
+  }
+}
+
 void TrialHost::AddHoliday(platform::Date day) {
+  RequireBegun();
   plan_.calendars.at(0).exceptions[static_cast<std::int32_t>(day.serial)] = {};
 }
 
 void TrialHost::AddTask(std::string_view id, double minimum, double likely, double maximum,
                         double probability, std::string_view predecessors) {
+  RequireBegun();
   engine::Task task;
   task.id = std::string(id);
   task.calendar = plan_.default_calendar;
@@ -105,6 +113,10 @@ void TrialHost::ClosePlan() {
 void TrialHost::RunAnalysis(std::int32_t iterations, double seed) {
   if (host_->get_ActivePlan().IsNothing()) {
     platform::RaiseNothing();
+  }
+  constexpr double kSeeds = 0x1p64;
+  if (!(seed >= 0.0 && seed < kSeeds)) {
+    Refuse("A seed is a number from 0 up to 2^64");
   }
   const auto number = static_cast<std::uint64_t>(seed);
   engine::RunStream stream(number);

@@ -20,16 +20,17 @@ class TrialHost final : public platform::Object {
   /// Friday; it opens with OpenPlan. `time_unit` is 1, 24 or 96 units a day, `hours_per_day` at
   /// least 1. Raises error 5 for anything else.
   void NewPlan(std::int32_t time_unit, std::int32_t hours_per_day);
-  /// A day that "STANDARD" does not work.
+  /// A day that "STANDARD" does not work. Raises error 5 before NewPlan.
   void AddHoliday(platform::Date day);
   /// Durations are in plan units, the chance of occurrence in percent. `predecessors` are IDs with
   /// commas between them, each finish to start without lag; raises error 5 for one that is not
-  /// there.
+  /// there, and before NewPlan.
   void AddTask(std::string_view id, double minimum, double likely, double maximum,
                double probability, std::string_view predecessors);
   void OpenPlan();
   void ClosePlan();
-  /// Runs an analysis of the open plan and raises its events. Raises error 91 without a plan, and
+  /// Runs an analysis of the open plan and raises its events. `seed` is a number from 0 up to 2^64,
+  /// of which the whole part counts. Raises error 91 without a plan, error 5 for another seed, and
   /// whatever a receiver of the events lets out.
   void RunAnalysis(std::int32_t iterations, double seed);
 
@@ -39,6 +40,7 @@ class TrialHost final : public platform::Object {
   const platform::Ref<engine::Host>& host() const { return host_; }
 
  private:
+  void RequireBegun() const;
   /// The finish of the plan's last task, as it is scheduled now.
   double LastFinish();
 

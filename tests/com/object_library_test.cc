@@ -4,6 +4,7 @@
 
 #include "com/com_text.h"
 #include "com/event_source.h"
+#include "com/host_objects.h"
 #include "com/served/member.h"
 #include "com/served/served_object.h"
 #include "tests/com/bare_object.h"
@@ -74,24 +75,74 @@ ComPtr<ITypeInfo> InterfaceOf(ITypeLib& library, std::string_view class_name) {
 }
 
 template <class... Interfaces>
-std::vector<const ClassTable*> Tables() {
+std::vector<const ClassTable*> TablesOf() {
   return {&served::TableOf<Interfaces>()...};
 }
 
-TEST(ObjectLibrary, HasTheMembersThatTheHostAnswersInTheirOrder) {
+/// Every class that has members.
+std::vector<const ClassTable*> Tables() {
   namespace c = Corvane8;
+  return TablesOf<c::Application, c::Plan, c::PlanProperties, c::PlanDisplay, c::RiskAnalysis,
+                  c::RiskOptions, c::ChangeMonitor, c::CustomFields, c::PlanTasks, c::PlanCalendars,
+                  c::PlanRiskCalendars, c::RiskCalendar, c::Calendar, c::Task, c::TaskDates,
+                  c::UserFields, c::Duration, c::TaskRisk, c::TaskLinks, c::LinkList, c::TaskLink,
+                  c::TaskRiskCalendars, c::TaskRiskCalendar>();
+}
+
+GUID IdOf(ITypeInfo& info) {
+  TYPEATTR* attributes = nullptr;
+  info.GetTypeAttr(&attributes);
+  const GUID id = attributes->guid;
+  info.ReleaseTypeAttr(attributes);
+  return id;
+}
+
+TEST(ObjectLibrary, HasTheMembersThatTheHostAnswersInTheirOrder) {
   const auto library = Library();
   ASSERT_TRUE(library);
-  for (const ClassTable* table :
-       Tables<c::Application, c::Plan, c::PlanProperties, c::PlanDisplay, c::RiskAnalysis,
-              c::RiskOptions, c::ChangeMonitor, c::CustomFields, c::PlanTasks, c::PlanCalendars,
-              c::PlanRiskCalendars, c::RiskCalendar, c::Calendar, c::Task, c::TaskDates,
-              c::UserFields, c::Duration, c::TaskRisk, c::TaskLinks, c::LinkList, c::TaskLink,
-              c::TaskRiskCalendars, c::TaskRiskCalendar>()) {
+  for (const ClassTable* table : Tables()) {
     const auto info = InterfaceOf(*library.get(), table->name);
     ASSERT_TRUE(info) << table->name;
     EXPECT_EQ(OperationsIn(*info.get()), OperationsIn(*table)) << table->name;
   }
+}
+
+TEST(ObjectLibrary, EachObjectHasTheInterfaceOfItsClassAndNoOther) {
+  const auto library = Library();
+  ASSERT_TRUE(library);
+  const auto object = platform::MakeRef<platform::Object>();
+  for (const ClassTable* table : Tables()) {
+    const auto served = served::Serve(object, *table);
+    for (const ClassTable* other : Tables()) {
+      const auto info = InterfaceOf(*library.get(), other->name);
+      ASSERT_TRUE(info) << other->name;
+      const auto found = served.As<IDispatch>(IdOf(*info.get()));
+      EXPECT_EQ(static_cast<bool>(found), table == other) << table->name << " as " << other->name;
+    }
+  }
+  const auto children = InterfaceOf(*library.get(), "TaskChildren");
+  ASSERT_TRUE(children);
+  EXPECT_TRUE(served::ServeList({object}, served::TableOf<Corvane8::Task>())
+                  .As<IDispatch>(IdOf(*children.get())));
+}
+
+TEST(ObjectLibrary, AnObjectOfTheHostsProgramHasItsInterfaceAndTellsItsType) {
+  auto& control = SharedTrialProgram().control();
+  control.Call("NewPlan", {1, 8});
+  control.Call("OpenPlan");
+  const Dispatch application(CreateByIdentifier("Corvane8.Application"), "Application", nullptr);
+  const ComPtr<IDispatch> plan = ObjectOf(*application.Get("ActivePlan").get());
+  ASSERT_TRUE(plan);
+  const auto info = InterfaceOf(*Library().get(), "Plan");
+  ASSERT_TRUE(info);
+  EXPECT_TRUE(plan.As<IDispatch>(IdOf(*info.get())));
+  UINT count = 0;
+  ASSERT_EQ(plan->GetTypeInfoCount(&count), S_OK);
+  ASSERT_EQ(count, 1U);
+  ComPtr<ITypeInfo> told;
+  ASSERT_EQ(plan->GetTypeInfo(0, LOCALE_SYSTEM_DEFAULT, told.Receive()), S_OK);
+  EXPECT_TRUE(IsEqualGUID(IdOf(*told.get()), IdOf(*info.get())));
+  EXPECT_EQ(plan->GetTypeInfo(1, LOCALE_SYSTEM_DEFAULT, told.Receive()), DISP_E_BADINDEX);
 }
 
 TEST(ObjectLibrary, NumbersTheEventsInTheirOrder) {

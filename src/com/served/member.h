@@ -42,6 +42,8 @@ struct ClassTable {
   std::span<const Member> members;
   /// What the class can be enumerated into; null where it cannot.
   std::vector<ComVariant> (*elements)(Object& object);
+  /// Its interface in the object library; null where it has none there.
+  const IID* interface_id;
 };
 
 /// The table of a class of the object library.

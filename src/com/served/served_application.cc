@@ -152,6 +152,8 @@ void ServedApplication::RaiseWithIteration(DISPID id, const Ref<Corvane8::Plan>&
 }
 
 void ServedApplication::Raise(DISPID id, std::span<VARIANT> arguments) {
+  // Whoever hears it may let go of this meanwhile.
+  const ComPtr<IDispatch> kept(this);
   // Who connects meanwhile hears the next event, and who leaves meanwhile does not hear this one.
   const std::vector<Connection> connections = connections_;
   for (const Connection& connection : connections) {

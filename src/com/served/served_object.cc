@@ -1,9 +1,12 @@
 #include "com/served/served_object.h"
 
+#include <corvane8.h>
+
 #include <algorithm>
 #include <iterator>
 
 #include "com/com_error.h"
+#include "com/registration.h"
 #include "platform/runtime_error.h"
 #include "platform/text.h"
 #include "platform/win/wide_text.h"
@@ -40,7 +43,20 @@ std::vector<ComVariant> ElementsOfList(Object& object) {
   return dynamic_cast<ObjectList&>(object).Elements();
 }
 
-constexpr ClassTable kListTable = {"TaskChildren", {}, ElementsOfList};
+constexpr ClassTable kListTable = {"TaskChildren", {}, ElementsOfList, &DIID__TaskChildren};
+
+/// The description of a class's interface in the program's type library; null where either is
+/// missing.
+ComPtr<ITypeInfo> TypeInfoOf(const ClassTable& table) {
+  ComPtr<ITypeLib> library;
+  ComPtr<ITypeInfo> info;
+  if (table.interface_id == nullptr ||
+      FAILED(LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, library.Receive())) ||
+      FAILED(library->GetTypeInfoOfGuid(*table.interface_id, info.Receive()))) {
+    return nullptr;
+  }
+  return info;
+}
 
 /// Walks over values that stand fast.
 class ValueWalk final : public ComObject<IEnumVARIANT> {
@@ -154,8 +170,23 @@ HRESULT ServedObject::Invoke(DISPID id, REFIID /*interface_id*/, LCID /*locale*/
   return outcome;
 }
 
+HRESULT ServedObject::GetTypeInfoCount(UINT* count) {
+  return Guarded([&] { *count = TypeInfoOf(table_) ? 1 : 0; }, LeaveErrorInfo);
+}
+
+HRESULT ServedObject::GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) {
+  *info = nullptr;
+  if (index != 0) {
+    return DISP_E_BADINDEX;
+  }
+  const HRESULT asked = Guarded([&] { *info = TypeInfoOf(table_).Detach(); }, LeaveErrorInfo);
+  return SUCCEEDED(asked) && *info == nullptr ? DISP_E_BADINDEX : asked;
+}
+
 void* ServedObject::Find(REFIID id) {
-  return id == IID_IUnknown || id == IID_IDispatch || id == kServedObject ? this : nullptr;
+  const bool is_own = table_.interface_id != nullptr && id == *table_.interface_id;
+  return is_own || id == IID_IUnknown || id == IID_IDispatch || id == kServedObject ? this
+                                                                                    : nullptr;
 }
 
 const Member* ServedObject::FindMember(DISPID id, WORD flags) const {

@@ -23,6 +23,10 @@ class ServedObject final : public UntypedObject {
                                    DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
                                    UINT* wrong) override;
 
+  /// As the object library of this program describes the class, if there is one.
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
+
  private:
   ~ServedObject() override;
   void* Find(REFIID id) override;

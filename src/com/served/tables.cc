@@ -1,3 +1,5 @@
+#include <corvane8.h>
+
 #include "com/served/member.h"
 
 // The members of every class in the order of the object library's IDL.
@@ -178,149 +180,152 @@ constexpr std::array kTaskRiskCalendar = {
 
 template <>
 const ClassTable& TableOf<Corvane8::Application>() {
-  static const ClassTable table = {"Application", kApplication, nullptr};
+  static const ClassTable table = {"Application", kApplication, nullptr, &DIID__Application};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::Plan>() {
-  static const ClassTable table = {"Plan", kPlan, nullptr};
+  static const ClassTable table = {"Plan", kPlan, nullptr, &DIID__Plan};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::PlanProperties>() {
-  static const ClassTable table = {"PlanProperties", kPlanProperties, nullptr};
+  static const ClassTable table = {"PlanProperties", kPlanProperties, nullptr,
+                                   &DIID__PlanProperties};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::PlanDisplay>() {
-  static const ClassTable table = {"PlanDisplay", kPlanDisplay, nullptr};
+  static const ClassTable table = {"PlanDisplay", kPlanDisplay, nullptr, &DIID__PlanDisplay};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::RiskAnalysis>() {
-  static const ClassTable table = {"RiskAnalysis", kRiskAnalysis, nullptr};
+  static const ClassTable table = {"RiskAnalysis", kRiskAnalysis, nullptr, &DIID__RiskAnalysis};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::RiskOptions>() {
-  static const ClassTable table = {"RiskOptions", kRiskOptions, nullptr};
+  static const ClassTable table = {"RiskOptions", kRiskOptions, nullptr, &DIID__RiskOptions};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::ChangeMonitor>() {
-  static const ClassTable table = {"ChangeMonitor", kChangeMonitor, nullptr};
+  static const ClassTable table = {"ChangeMonitor", kChangeMonitor, nullptr, &DIID__ChangeMonitor};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::CustomFields>() {
-  static const ClassTable table = {"CustomFields", kCustomFields, nullptr};
+  static const ClassTable table = {"CustomFields", kCustomFields, nullptr, &DIID__CustomFields};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::PlanTasks>() {
-  static const ClassTable table = {"PlanTasks", kPlanTasks, Elements<Corvane8::PlanTasks>};
+  static const ClassTable table = {"PlanTasks", kPlanTasks, Elements<Corvane8::PlanTasks>,
+                                   &DIID__PlanTasks};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::PlanCalendars>() {
   static const ClassTable table = {"PlanCalendars", kPlanCalendars,
-                                   Elements<Corvane8::PlanCalendars>};
+                                   Elements<Corvane8::PlanCalendars>, &DIID__PlanCalendars};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::PlanRiskCalendars>() {
   static const ClassTable table = {"PlanRiskCalendars", kPlanRiskCalendars,
-                                   Elements<Corvane8::PlanRiskCalendars>};
+                                   Elements<Corvane8::PlanRiskCalendars>, &DIID__PlanRiskCalendars};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::RiskCalendar>() {
-  static const ClassTable table = {"RiskCalendar", kRiskCalendar, nullptr};
+  static const ClassTable table = {"RiskCalendar", kRiskCalendar, nullptr, &DIID__RiskCalendar};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::Calendar>() {
-  static const ClassTable table = {"Calendar", kCalendar, nullptr};
+  static const ClassTable table = {"Calendar", kCalendar, nullptr, &DIID__Calendar};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::Task>() {
-  static const ClassTable table = {"Task", kTask, nullptr};
+  static const ClassTable table = {"Task", kTask, nullptr, &DIID__Task};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::TaskDates>() {
-  static const ClassTable table = {"TaskDates", kTaskDates, nullptr};
+  static const ClassTable table = {"TaskDates", kTaskDates, nullptr, &DIID__TaskDates};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::UserFields>() {
-  static const ClassTable table = {"UserFields", kUserFields, nullptr};
+  static const ClassTable table = {"UserFields", kUserFields, nullptr, &DIID__UserFields};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::Duration>() {
-  static const ClassTable table = {"Duration", kDuration, nullptr};
+  static const ClassTable table = {"Duration", kDuration, nullptr, &DIID__Duration};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::TaskRisk>() {
-  static const ClassTable table = {"TaskRisk", kTaskRisk, nullptr};
+  static const ClassTable table = {"TaskRisk", kTaskRisk, nullptr, &DIID__TaskRisk};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::TaskLinks>() {
-  static const ClassTable table = {"TaskLinks", kTaskLinks, nullptr};
+  static const ClassTable table = {"TaskLinks", kTaskLinks, nullptr, &DIID__TaskLinks};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::LinkList>() {
-  static const ClassTable table = {"LinkList", kLinkList, nullptr};
+  static const ClassTable table = {"LinkList", kLinkList, nullptr, &DIID__LinkList};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::TaskLink>() {
-  static const ClassTable table = {"TaskLink", kTaskLink, nullptr};
+  static const ClassTable table = {"TaskLink", kTaskLink, nullptr, &DIID__TaskLink};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::TaskRiskCalendars>() {
   static const ClassTable table = {"TaskRiskCalendars", kTaskRiskCalendars,
-                                   Elements<Corvane8::TaskRiskCalendars>};
+                                   Elements<Corvane8::TaskRiskCalendars>, &DIID__TaskRiskCalendars};
   return table;
 }
 
 template <>
 const ClassTable& TableOf<Corvane8::TaskRiskCalendar>() {
-  static const ClassTable table = {"TaskRiskCalendar", kTaskRiskCalendar, nullptr};
+  static const ClassTable table = {"TaskRiskCalendar", kTaskRiskCalendar, nullptr,
+                                   &DIID__TaskRiskCalendar};
   return table;
 }
 
 /// What a custom field's definition is to others: an object without members.
 template <>
 const ClassTable& TableOf<Object>() {
-  static const ClassTable table = {"Object", {}, nullptr};
+  static const ClassTable table = {"Object", {}, nullptr, nullptr};
   return table;
 }
 
