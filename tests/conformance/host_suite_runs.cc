@@ -125,6 +125,25 @@ TEST_P(HostSuite, SamplesAreInThePlansUnits) {
   Run(listener, 1);
 }
 
+TEST_P(HostSuite, AnIterationIsScheduledInThePlansUnits) {
+  // Two days and a half of eight hours, in hours and in quarters of one; then a day of weather.
+  for (const auto& [unit, length] : {std::pair(24, 20.0), std::pair(96, 80.0)}) {
+    Open({.time_unit = unit, .tasks = {Certain("A", length), Certain("B", length / 2, {"A"})}});
+    const auto calendar = AddWeatherCalendar("NORTH SEA");
+    Assign("A", "NORTH SEA");
+    Listener listener;
+    listener.before_iteration = [&](const auto&, std::int32_t iteration) {
+      calendar->SetDays(iteration == 1 ? 1 : 0, January(5), January(5));
+    };
+    listener.after_iteration = [&](const auto&, std::int32_t iteration) {
+      EXPECT_EQ(Task("A")->get_SampledDuration(), static_cast<std::int32_t>(length));
+      EXPECT_EQ(FinishDay("A"), January(iteration == 1 ? 6 : 7)) << unit;
+      EXPECT_EQ(FinishDay("B"), January(iteration == 1 ? 7 : 8)) << unit;
+    };
+    Run(listener, 2);
+  }
+}
+
 TEST_P(HostSuite, ATaskThatIsRuledOutSamplesNothing) {
   Open({.tasks = {{.id = "NEVER", .minimum = 3, .likely = 3, .maximum = 3, .probability = 0},
                   {.id = "MAYBE", .minimum = 3, .likely = 3, .maximum = 3, .probability = 50},
