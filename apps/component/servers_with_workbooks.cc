@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,11 +26,29 @@ bool Start(const std::vector<std::string>& command) {
                                                       kShowNormal) > kLastFailure;
 }
 
+/// The user's desktop from the first workbook on: to make the viewer sweeps up a folder, which is
+/// nothing for a host to wait for while it makes an object of the component.
+class LateViewer final : public spreadsheet::WorkbookViewer {
+ public:
+  explicit LateViewer(platform::MessageBox& messages) : messages_(messages) {}
+
+  void Show(const spreadsheet::Workbook& workbook, const std::string& path) override {
+    if (!viewer_) {
+      viewer_.emplace(Start, messages_, "", std::vector<std::string>());
+    }
+    viewer_->Show(workbook, path);
+  }
+
+ private:
+  platform::MessageBox& messages_;
+  std::optional<spreadsheet::DesktopViewer> viewer_;
+};
+
 struct AllServers {
-  explicit AllServers(platform::MessageBox& messages) : viewer(Start, messages, {}, {}) {}
+  explicit AllServers(platform::MessageBox& messages) : viewer(messages) {}
 
   com::ComServers installed;
-  spreadsheet::DesktopViewer viewer;
+  LateViewer viewer;
   spreadsheet::ExcelServers workbooks{viewer};
   com::StandInServers servers{installed, workbooks};
 };

@@ -18,6 +18,17 @@ namespace fs = std::filesystem;
 constexpr const char* kShown = "shown-";  // what may be swept up
 constexpr const char* kKept = "kept-";
 
+/// What is in a folder, as far as it can be read: others may be removing it meanwhile.
+std::vector<fs::path> EntriesOf(const fs::path& folder, std::error_code& error) {
+  std::vector<fs::path> entries;
+  fs::directory_iterator entry(folder, error);
+  while (!error && entry != fs::directory_iterator()) {
+    entries.push_back(entry->path());
+    entry.increment(error);
+  }
+  return entries;
+}
+
 /// Whether the folder holds what nobody has touched for a day.
 bool IsStale(const fs::path& folder) {
   std::error_code error;
@@ -25,19 +36,19 @@ bool IsStale(const fs::path& folder) {
     const auto time = fs::last_write_time(path, error);
     return !error && fs::file_time_type::clock::now() - time > std::chrono::hours(24);
   };
-  const auto is_lock = [](const fs::directory_entry& entry) {
-    const std::string name = entry.path().filename().string();
+  const auto is_lock = [](const fs::path& entry) {
+    const std::string name = entry.filename().string();
     return name.starts_with(".~lock.") || name.starts_with("~$");
   };
-  const fs::directory_iterator entries(folder, error);
-  return !error && is_old(folder) && std::none_of(begin(entries), end(entries), is_lock);
+  const std::vector<fs::path> entries = EntriesOf(folder, error);
+  return !error && is_old(folder) && std::none_of(entries.begin(), entries.end(), is_lock);
 }
 
 /// Removes a folder with its files, which are not to be written to.
 void RemoveFolder(const fs::path& folder) {
   std::error_code ignored;
-  for (const auto& entry : fs::directory_iterator(folder, ignored)) {
-    fs::permissions(entry.path(), fs::perms::owner_write,
+  for (const fs::path& entry : EntriesOf(folder, ignored)) {
+    fs::permissions(entry, fs::perms::owner_write,
                     fs::perm_options::add | fs::perm_options::nofollow, ignored);
   }
   fs::remove_all(folder, ignored);
@@ -102,14 +113,10 @@ void DesktopViewer::SweepUp() const {
     return;
   }
   std::error_code ignored;
-  std::vector<fs::path> stale;
-  for (const auto& entry : fs::directory_iterator(folder, ignored)) {
-    if (entry.path().filename().string().starts_with(kShown) && IsStale(entry.path())) {
-      stale.push_back(entry.path());
+  for (const fs::path& entry : EntriesOf(folder, ignored)) {
+    if (entry.filename().string().starts_with(kShown) && IsStale(entry)) {
+      RemoveFolder(entry);
     }
-  }
-  for (const fs::path& path : stale) {
-    RemoveFolder(path);
   }
 }
 
