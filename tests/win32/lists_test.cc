@@ -201,6 +201,24 @@ TEST_F(ListsTest, WhoAsksWindowsToOpenANodeAsksTheToolkit) {
   });
 }
 
+TEST_F(ListsTest, TheSameRequestTwiceIsOne) {
+  InWindow([this] {
+    const auto ask = [this](WPARAM request) {
+      Ask(Drawn(tree_), TVM_EXPAND, request, reinterpret_cast<LPARAM>(RootItem()));
+    };
+    ask(TVE_EXPAND);
+    ask(TVE_EXPAND);
+    hands_.Pump();
+    EXPECT_TRUE(root_->Expanded());
+    EXPECT_TRUE(IsOpen());
+    ask(TVE_COLLAPSE);
+    ask(TVE_COLLAPSE);
+    hands_.Pump();
+    EXPECT_FALSE(root_->Expanded());
+    EXPECT_FALSE(IsOpen());
+  });
+}
+
 TEST_F(ListsTest, SelectingANodeInAClosedOneOpensNothing) {
   InWindow([this] {
     tree_.SetSelectedItem(tree_.Nodes().Item("N30"));

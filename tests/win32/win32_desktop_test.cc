@@ -11,6 +11,7 @@
 #include <fstream>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/gestures/face_forms.h"
@@ -210,6 +211,61 @@ TEST_F(Win32DesktopTest, WithoutAnOwnerABoxTakesTheInputFromTheThreadsWindows) {
   });
   desktop_.MsgBox("text", "Weather Modeling");
   EXPECT_TRUE(host.TakesInput());
+}
+
+/// While it lives, the system makes no window of a class on this thread.
+class Refusal {
+ public:
+  explicit Refusal(std::wstring window_class)
+      : hook_(::SetWindowsHookExW(WH_CBT, Refuse, nullptr, ::GetCurrentThreadId())) {
+    Refused() = std::move(window_class);
+  }
+  ~Refusal() { ::UnhookWindowsHookEx(hook_); }
+  Refusal(const Refusal&) = delete;
+  Refusal& operator=(const Refusal&) = delete;
+
+ private:
+  static std::wstring& Refused() {
+    static std::wstring refused;
+    return refused;
+  }
+  static LRESULT CALLBACK Refuse(int code, WPARAM window, LPARAM l) {
+    std::wstring name(64, L'\0');
+    if (code == HCBT_CREATEWND) {
+      const int length = ::GetClassNameW(reinterpret_cast<HWND>(window), name.data(), 64);
+      name.resize(static_cast<std::size_t>(length));
+    }
+    return name == Refused() ? 1 : ::CallNextHookEx(nullptr, code, window, l);
+  }
+
+  HHOOK hook_;
+};
+
+BOOL CALLBACK CountOne(HWND /*window*/, LPARAM count) {
+  ++*reinterpret_cast<int*>(count);
+  return TRUE;
+}
+
+/// The thread's windows that stand in no other one.
+int WindowsOfThread() {
+  int count = 0;
+  ::EnumThreadWindows(::GetCurrentThreadId(), CountOne, reinterpret_cast<LPARAM>(&count));
+  return count;
+}
+
+TEST_F(Win32DesktopTest, AFormThatGetsNotAllItsWindowsFailsAndLeavesNothing) {
+  const HostWindow host(WS_OVERLAPPEDWINDOW | WS_VISIBLE);
+  const int windows = WindowsOfThread();
+  LargeForm form(desktop_);
+  for (const wchar_t* const refused : {L"NimbrelForm", L"NimbrelPane", WC_BUTTONW, WC_TREEVIEWW}) {
+    const Refusal refusal(refused);
+    EXPECT_THROW(form.ShowModal(), platform::RuntimeError) << FromWide(refused);
+    EXPECT_TRUE(host.TakesInput());
+    EXPECT_FALSE(form.Visible());
+    EXPECT_EQ(WindowsOfThread(), windows) << FromWide(refused);
+  }
+  Then([] { Click(L"Close"); });
+  form.ShowModal();
 }
 
 TEST_F(Win32DesktopTest, AMessageBoxHasItsTextTitleAndOneButton) {

@@ -49,8 +49,8 @@ ControlFace::~ControlFace() {
 }
 
 void ControlFace::Make(const wchar_t* window_class, DWORD style, DWORD ex_style, HWND pane) {
-  window_ = ::CreateWindowExW(ex_style, window_class, L"", style | WS_CHILD | WS_CLIPSIBLINGS, 0, 0,
-                              0, 0, pane, nullptr, OwnModule(), nullptr);
+  window_ = Made(::CreateWindowExW(ex_style, window_class, L"", style | WS_CHILD | WS_CLIPSIBLINGS,
+                                   0, 0, 0, 0, pane, nullptr, OwnModule(), nullptr));
   Watch(window_);
   ::SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(look().font()), 0);
 }

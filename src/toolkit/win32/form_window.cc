@@ -38,12 +38,19 @@ void MakeClass(WNDPROC procedure) {
   ::RegisterClassExW(&made);  // fails if it is there already
 }
 
-/// The part of the screen of a window that windows may cover.
+/// The part of the screen of a window that windows may cover; of the first screen for null.
 RECT WorkArea(HWND window) {
   MONITORINFO screen{};
   screen.cbSize = sizeof screen;
-  ::GetMonitorInfoW(::MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &screen);
+  const DWORD otherwise = window == nullptr ? MONITOR_DEFAULTTOPRIMARY : MONITOR_DEFAULTTONEAREST;
+  ::GetMonitorInfoW(::MonitorFromWindow(window, otherwise), &screen);
   return screen.rcWork;
+}
+
+/// The window whose screen the next one opens on: the thread's active one, else the user's.
+HWND ActiveWindow() {
+  const HWND own = ::GetActiveWindow();
+  return own == nullptr ? ::GetForegroundWindow() : own;
 }
 
 /// What the style of the desktop has behind the controls of a page.
@@ -62,13 +69,17 @@ int Middle(int from, int to, int size) {
 
 }  // namespace
 
-FormWindow::FormWindow(Form& form, HWND owner)
+FormWindow::FormWindow(Form& form, HWND owner, Unmade /*unmade*/)
     : form_(form),
       owner_(owner),
-      bands_(TwipsBands::AreaOf(form, form.Width(), form.Height(), true)) {
+      bands_(TwipsBands::AreaOf(form, form.Width(), form.Height(), true)) {}
+
+// From here on the object is whole, so that the destructor clears away what a failure leaves.
+FormWindow::FormWindow(Form& form, HWND owner) : FormWindow(form, owner, Unmade{}) {
   MakeClass(&FormWindow::Procedure);
-  window_ = ::CreateWindowExW(kExtendedStyle, kClass, L"", kStyle, CW_USEDEFAULT, CW_USEDEFAULT,
-                              CW_USEDEFAULT, CW_USEDEFAULT, owner, nullptr, OwnModule(), nullptr);
+  window_ =
+      Made(::CreateWindowExW(kExtendedStyle, kClass, L"", kStyle, CW_USEDEFAULT, CW_USEDEFAULT,
+                             CW_USEDEFAULT, CW_USEDEFAULT, owner, nullptr, OwnModule(), nullptr));
   look_ = std::make_unique<Look>(DpiOf(window_));
   TakeGrounds();
   content_ = std::make_unique<Pane>(static_cast<FaceHost&>(*this), window_, false);
@@ -87,8 +98,10 @@ FormWindow::~FormWindow() {
   std::for_each(blocked_.begin(), blocked_.end(),
                 [](HWND window) { ::EnableWindow(window, TRUE); });
   names_.Clear();
-  ::SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
-  ::DestroyWindow(window_);
+  if (window_ != nullptr) {
+    ::SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
+    ::DestroyWindow(window_);
+  }
   faces_.clear();
   ::UnregisterClassW(kClass, OwnModule());  // fails while there are others
   ::DeleteObject(grounds_.form_brush);
@@ -279,7 +292,7 @@ SIZE FormWindow::LeastClient() const {
 }
 
 void FormWindow::FitToScreen() {
-  const RECT area = WorkArea(owner_ == nullptr ? window_ : owner_);
+  const RECT area = WorkArea(owner_ == nullptr ? ActiveWindow() : owner_);
   const TwipsBands::Size natural = bands_.NaturalSize(look_->line());
   const SIZE whole =
       WindowSize({natural.width, natural.height}, kStyle, kExtendedStyle, look_->dpi());

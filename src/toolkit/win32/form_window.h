@@ -29,7 +29,8 @@ class ContainerFace;
 /// none of the thread's other windows does.
 class FormWindow final : private FormObserver, private FaceHost {
  public:
-  /// `owner` may be null.
+  /// `owner` may be null: the window then opens on the screen of the window that is active now.
+  /// Raises error 1004 if the system does not make the windows; nothing of them is left then.
   FormWindow(Form& form, HWND owner);
   ~FormWindow() override;
   FormWindow(const FormWindow&) = delete;
@@ -68,6 +69,10 @@ class FormWindow final : private FormObserver, private FaceHost {
     HBRUSH form_brush = nullptr;
     HBRUSH page_brush = nullptr;
   };
+
+  /// The window of a form that has none yet, which the destructor takes as it takes any other.
+  struct Unmade {};
+  FormWindow(Form& form, HWND owner, Unmade unmade);
 
   void OnControlChanged(Control& control, Property property) override;
   void OnFormChanged() override;

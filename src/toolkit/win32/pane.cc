@@ -29,9 +29,9 @@ PaneClass::~PaneClass() {
 Pane::Pane(FaceHost& host, HWND parent, bool on_page)
     : host_(host),
       on_page_(on_page),
-      window_(::CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"",
-                                WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0,
-                                0, parent, nullptr, OwnModule(), nullptr)) {
+      window_(Made(::CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"",
+                                     WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0,
+                                     0, 0, 0, parent, nullptr, OwnModule(), nullptr))) {
   ::SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/runtime_error.h"
+
 namespace nimbrel::toolkit::win32 {
 namespace {
 
@@ -115,6 +117,15 @@ HINSTANCE OwnModule() {
       GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
       reinterpret_cast<LPCWSTR>(&OwnModule), &module);
   return module;
+}
+
+HWND Made(HWND window) {
+  if (window == nullptr) {
+    throw platform::RuntimeError(
+        platform::kApplicationDefined,
+        "A window cannot be made (system error " + std::to_string(::GetLastError()) + ")");
+  }
+  return window;
 }
 
 UINT DpiOf(HWND window) {

@@ -40,6 +40,9 @@ class VisualStyles {
 /// The program or component that this code is part of.
 HINSTANCE OwnModule();
 
+/// A window that has just been asked for. Raises error 1004 if the system has not made it (null).
+HWND Made(HWND window);
+
 /// The resolution of the screen that the window is on.
 UINT DpiOf(HWND window);
 /// The size of a window around a client area.

@@ -87,14 +87,21 @@ class TreeViewFace final : public ItemFace {
     }
     // Only the toolkit opens and closes nodes; who asks Windows, such as a screen reader, asks it.
     const auto& wanted = reinterpret_cast<const NMTREEVIEWW&>(header);
-    const HTREEITEM item = wanted.itemNew.hItem;
     if (!painting_) {
-      host().Defer([this, item] { Turn(item); });
+      AskToTurn(wanted.itemNew.hItem, wanted.action);
     }
     return TRUE;
   }
 
  protected:
+  std::optional<LRESULT> OnMessage(HWND window, UINT message, WPARAM w, LPARAM l) override {
+    // For a node that was open before, Windows asks nobody.
+    if (message == TVM_EXPAND && !opening_) {
+      AskToTurn(reinterpret_cast<HTREEITEM>(l), static_cast<UINT>(w));
+      return TRUE;
+    }
+    return ItemFace::OnMessage(window, message, w, l);
+  }
   void Paint(const Changes& changes) override {
     const bool before = std::exchange(painting_, true);
     if (changes.Has(Property::kStyle)) {
@@ -183,11 +190,26 @@ class TreeViewFace final : public ItemFace {
     Ask(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&asked));
     return entries_[static_cast<std::size_t>(asked.lParam)].node;
   }
-  void Turn(HTREEITEM item) {
+  /// Null if it is no node of the tree.
+  NodeRef FindNode(HTREEITEM item) const {
     const auto found = std::find_if(entries_.begin(), entries_.end(),
                                     [item](const Entry& entry) { return entry.item == item; });
-    if (found != entries_.end()) {
-      Do([&] { tree_.UserExpand(found->node, !found->node->Expanded()); });
+    return found == entries_.end() ? NodeRef() : found->node;
+  }
+  /// `request` is that of TVM_EXPAND.
+  void AskToTurn(HTREEITEM item, UINT request) {
+    const NodeRef node = FindNode(item);
+    if (node.IsNothing() || node->Children() == 0) {
+      return;
+    }
+    const UINT wanted = request & TVE_TOGGLE;
+    const bool open = wanted == TVE_TOGGLE ? !node->Expanded() : wanted == TVE_EXPAND;
+    host().Defer([this, item, open] { Turn(item, open); });
+  }
+  void Turn(HTREEITEM item, bool open) {
+    const NodeRef node = FindNode(item);
+    if (!node.IsNothing() && node->Expanded() != open) {
+      Do([&] { tree_.UserExpand(node, open); });
     }
   }
 

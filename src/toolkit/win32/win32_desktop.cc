@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "platform/runtime_error.h"
 #include "toolkit/form.h"
 #include "toolkit/win32/form_window.h"
 #include "toolkit/win32/screen.h"
@@ -18,8 +19,14 @@ constexpr std::size_t kLongestPath = 32768;
 /// Runs the thread's messages until the form is no longer visible.
 void RunMessages(const Form& form, FormWindow& window) {
   MSG message{};
-  while (form.Visible() && ::GetMessageW(&message, nullptr, 0, 0) > 0) {
+  BOOL got = TRUE;
+  while (form.Visible() && (got = ::GetMessageW(&message, nullptr, 0, 0)) > 0) {
     window.Dispatch(message);
+  }
+  if (got < 0) {
+    throw platform::RuntimeError(
+        platform::kApplicationDefined,
+        "No messages can be had (system error " + std::to_string(::GetLastError()) + ")");
   }
   if (form.Visible()) {
     // The program is being ended: whoever runs the loop around this one has to hear it, too.
