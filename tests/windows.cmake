@@ -12,7 +12,7 @@ endif()
 nimbrel_test(win LIBRARIES nimbrel_platform_win)
 add_subdirectory(com/excel)
 nimbrel_test(com LIBRARIES nimbrel_host_conformance nimbrel_recording_excel nimbrel_exchange nimbrel_trial_host
-                           nimbrel_com_served nimbrel_com nimbrel_simulation)
+                           nimbrel_com_served nimbrel_com nimbrel_simulation version)
 # It finds the component and the stand-in host beside itself.
 set_target_properties(test_com PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${NIMBREL_PROGRAM_FOLDER}")
 add_dependencies(test_com nimbrel_component nimbrel_host_server nimbrel_excel_stand_in)

@@ -1,5 +1,7 @@
 // What an in-process component exports.
 
+#include <atomic>
+
 #include "com/com_error.h"
 #include "com/com_object.h"
 #include "com/component.h"
@@ -7,6 +9,41 @@
 #include "wiring.h"
 
 namespace com = nimbrel::com;
+
+namespace {
+
+/// What a run has left behind are objects of the host. They go with the last object that the host
+/// has of the component, on the thread that lets it go: once the DLL is unloaded, or on a thread
+/// that only asks whether it may be, they could not be called any more.
+void LetRunStateGo() {
+  static std::atomic<bool> going = false;
+  if (going.exchange(true)) {
+    return;
+  }
+  // Who is called here may ask whether the DLL can be unloaded.
+  com::Module::Enter();
+  nimbrel::modWeatherEvents::ReleaseRunState();
+  com::Module::Leave();
+  going = false;
+}
+
+const nimbrel::host::Seams& Wired() {
+  static const nimbrel::host::Seams seams = [] {
+    com::Module::WhenAtRest(LetRunStateGo);
+    return nimbrel::component::Wire();
+  }();
+  return seams;
+}
+
+/// The result of `attempt`, or of what it raises.
+template <class Attempt>
+HRESULT ResultOf(const Attempt& attempt) {
+  HRESULT result = S_OK;
+  const HRESULT outcome = com::Guarded([&] { result = attempt(); }, com::LeaveErrorInfo);
+  return FAILED(outcome) ? outcome : result;
+}
+
+}  // namespace
 
 extern "C" {
 
@@ -22,38 +59,29 @@ HRESULT WINAPI DllGetClassObject(REFCLSID class_id, REFIID id, void** object) {
     return E_POINTER;
   }
   *object = nullptr;
-  com::ComPtr<IClassFactory> factory;
-  const HRESULT result = com::Guarded(
-      [&] {
-        static const nimbrel::host::Seams seams = nimbrel::component::Wire();
-        factory = com::ComponentFactory(class_id, seams);
-      },
-      com::LeaveErrorInfo);
-  if (FAILED(result)) {
-    return result;
-  }
-  return factory ? factory->QueryInterface(id, object) : CLASS_E_CLASSNOTAVAILABLE;
+  return ResultOf([&] {
+    const auto factory = com::ComponentFactory(class_id, Wired());
+    return factory ? factory->QueryInterface(id, object) : CLASS_E_CLASSNOTAVAILABLE;
+  });
 }
 
 HRESULT WINAPI DllCanUnloadNow() {
-  if (com::Module::count() != 0) {
-    return S_FALSE;
-  }
-  // What a run has left behind are objects of the host, which may not be let go any more while the
-  // DLL is unloaded.
-  nimbrel::modWeatherEvents::ReleaseRunState();
-  return S_OK;
+  return com::Module::count() == 0 ? S_OK : S_FALSE;
 }
 
 HRESULT WINAPI DllRegisterServer() {
-  return com::ForMachineOrUser(
-      [](com::Scope scope) { return com::RegisterServer(com::ComponentEntry(), scope); });
+  return ResultOf([] {
+    return com::ForMachineOrUser(
+        [](com::Scope scope) { return com::RegisterServer(com::ComponentEntry(), scope); });
+  });
 }
 
 HRESULT WINAPI DllUnregisterServer() {
   // For whom it was registered is not written anywhere.
-  return com::ForUserAndMachine(
-      [](com::Scope scope) { return com::UnregisterServer(com::ComponentEntry(), scope); });
+  return ResultOf([] {
+    return com::ForUserAndMachine(
+        [](com::Scope scope) { return com::UnregisterServer(com::ComponentEntry(), scope); });
+  });
 }
 
 }  // extern "C"

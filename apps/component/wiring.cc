@@ -41,7 +41,7 @@ host::Seams Wire() {
                    .locale = platform::UserLocale()});
   modToolBox::Wire({&services.settings, &services.process_start, &services.windows,
                     &services.file_dialog, &services.help, &services.directory_search, &desktop});
-  modExcel::Wire({&Servers(desktop), &desktop});
+  modExcel::Wire({&Servers(desktop), &desktop, NIMBREL_SUPPORT_ADDRESS});
   modImportExport::Wire(
       {&desktop, [&desktop](const std::vector<modImportExport::ListedSheet>& sheets,
                             const std::string& DataType) {

@@ -11,7 +11,9 @@
 #include "host/cls_corvane.h"
 
 namespace nimbrel::com {
+namespace {
 
+/// The description of an interface in the component's own type library.
 ComPtr<ITypeInfo> OwnTypeInfo(REFIID interface_id) {
   ComPtr<ITypeLib> library;
   Check(LoadTypeLibEx(OwnPath().c_str(), REGKIND_NONE, library.Receive()), "type library");
@@ -20,12 +22,10 @@ ComPtr<ITypeInfo> OwnTypeInfo(REFIID interface_id) {
   return info;
 }
 
-namespace {
-
 class NimbrelObject final : public DualObject<_clsNimbrel> {
  public:
   explicit NimbrelObject(host::Seams seams)
-      : DualObject(IID__clsNimbrel),
+      : DualObject(IID__clsNimbrel, OwnTypeInfo(IID__clsNimbrel)),
         nimbrel_(platform::MakeRef<host::clsNimbrel>(std::move(seams))) {}
 
   HRESULT STDMETHODCALLTYPE Main() override {
@@ -46,7 +46,7 @@ class NimbrelObject final : public DualObject<_clsNimbrel> {
 class CorvaneObject final : public DualObject<_clsCorvane> {
  public:
   explicit CorvaneObject(host::RiskHandlers handlers)
-      : DualObject(IID__clsCorvane),
+      : DualObject(IID__clsCorvane, OwnTypeInfo(IID__clsCorvane)),
         corvane_(platform::MakeRef<host::clsCorvane>(std::move(handlers))) {}
 
   HRESULT STDMETHODCALLTYPE StartCorvane() override {

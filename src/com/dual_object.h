@@ -1,20 +1,20 @@
 #pragma once
 
+#include <utility>
+
 #include "com/com_error.h"
 #include "com/com_object.h"
 
 namespace nimbrel::com {
-
-/// The description of an interface in the type library of the DLL or program that this code is in.
-ComPtr<ITypeInfo> OwnTypeInfo(REFIID interface_id);
 
 /// A COM object with one dual interface: called by names or by positions. Its operations run in
 /// Run, so that every failure leaves an error object.
 template <class Interface>
 class DualObject : public ComObject<Interface, ISupportErrorInfo> {
  public:
-  explicit DualObject(REFIID interface_id)
-      : interface_id_(interface_id), info_(OwnTypeInfo(interface_id)) {}
+  /// `info` describes the interface as its type library does.
+  DualObject(REFIID interface_id, ComPtr<ITypeInfo> info)
+      : interface_id_(interface_id), info_(std::move(info)) {}
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     *count = 1;
@@ -34,6 +34,8 @@ class DualObject : public ComObject<Interface, ISupportErrorInfo> {
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID /*interface_id*/, LCID /*locale*/, WORD flags,
                                    DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
                                    UINT* wrong) override {
+    // The caller may let this go, and with it the description that the call goes through.
+    const ComPtr<Interface> kept(this);
     SetErrorInfo(0, nullptr);
     return info_->Invoke(static_cast<Interface*>(this), id, flags, parameters, result, exception,
                          wrong);

@@ -139,7 +139,8 @@ class EventSource::Sink final : public UntypedObject {
                                    EXCEPINFO* exception, UINT* /*wrong*/) override {
     const auto known = std::find(numbers_.ids.begin(), numbers_.ids.end(), id);
     if (known == numbers_.ids.end()) {
-      return DISP_E_MEMBERNOTFOUND;
+      // A host may have more events than these: nobody has asked for them, and that is no failure.
+      return S_OK;
     }
     const auto event = known - numbers_.ids.begin();
     const bool of_iteration = event == 1 || event == 2;

@@ -85,8 +85,8 @@ void MoveTaskPastWeather(const Corvane8::Ref<Corvane8::Task>& t);
 /// Saturday 7).
 std::int32_t WeekdayIndex(std::int32_t nDay);
 
-/// Lets all of the run state go, as the unloading of the component does. For a process that ends
-/// its host before itself.
+/// Lets all of the run state go: it holds objects of the host, which may end before this process
+/// does.
 void ReleaseRunState();
 
 }  // namespace nimbrel::modWeatherEvents

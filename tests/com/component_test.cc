@@ -1,60 +1,20 @@
 // The component as a host uses it: registered, created by its programmatic identifier, started,
 // with the events of a run, stopped, unregistered and unloaded.
 
-#include <gmock/gmock.h>
 #include <nimbrel.h>
 
-#include <bit>
-#include <cstdint>
-#include <map>
-#include <numeric>
+#include <algorithm>
 #include <thread>
+#include <vector>
 
 #include "com/com_error.h"
 #include "com/com_text.h"
-#include "com/registration.h"
-#include "host/cls_nimbrel.h"
-#include "host/mod_global.h"
-#include "hostserver/trial_host.h"
 #include "platform/win/wide_text.h"
-#include "simulation/mod_weather_events.h"
-#include "tests/com/com_test.h"
-#include "tests/com/weather_trial.h"
+#include "tests/com/bare_object.h"
+#include "tests/com/component_fixture.h"
 
 namespace nimbrel::com {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-
-constexpr const wchar_t* kDll = L"Nimbrel.dll";
-constexpr int kIterations = 12;
-constexpr double kSeed = 7;
-
-HRESULT CallExport(const char* name) {
-  const HMODULE dll = LoadLibraryW(ProgramBeside(kDll).c_str());
-  if (dll == nullptr) {
-    return E_FAIL;
-  }
-  const auto function =
-      reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(GetProcAddress(dll, name)));
-  const HRESULT result = function == nullptr ? E_NOINTERFACE : function();
-  FreeLibrary(dll);
-  return result;
-}
-
-bool IsLoaded() {
-  return GetModuleHandleW(kDll) != nullptr;
-}
-
-std::wstring ClassOf(const wchar_t* identifier) {
-  wchar_t id[64] = {};
-  LONG size = sizeof(id);
-  return RegQueryValueW(HKEY_CLASSES_ROOT, (std::wstring(identifier) + L"\\CLSID").c_str(), id,
-                        &size) == ERROR_SUCCESS
-             ? id
-             : L"";
-}
 
 /// A window of this title, once there is one that is shown.
 HWND WaitForWindow(const wchar_t* title) {
@@ -66,130 +26,11 @@ HWND WaitForWindow(const wchar_t* title) {
   return window;
 }
 
-/// The registered component and the stand-in host.
-class ComponentTest : public ::testing::Test {
- protected:
-  ComponentTest() { EXPECT_EQ(CallExport("DllRegisterServer"), S_OK); }
-  ~ComponentTest() override {
-    nimbrel_ = nullptr;
-    CoFreeUnusedLibrariesEx(0, 0);
-    EXPECT_FALSE(IsLoaded());
-    EXPECT_EQ(CallExport("DllUnregisterServer"), S_OK);
-  }
-
-  static Ref<AutomationObject> Create(const std::string& identifier) {
-    return ComServers().CreateObject(identifier);
-  }
-  void OpenTrialPlan() {
-    auto& control = program_.control();
-    control.Call("NewPlan", {1, 8});
-    control.Call("AddTask", {"A", 4.0, 6.0, 9.0, 100.0, ""});
-    control.Call("AddTask", {"B", 3.0, 5.0, 6.0, 100.0, "A"});
-    control.Call("AddTask", {"C", 8.0, 10.0, 16.0, 70.0, "A,B"});
-    control.Call("OpenPlan");
-    application_ = TrialProgram::Application();
-    AddTrialWeather(application_->get_ActivePlan());
-  }
-  /// Runs with the recorder behind whoever is subscribed.
-  DateRecorder Run() {
-    DateRecorder recorder;
-    application_->Subscribe(&recorder);
-    program_.control().Call("RunAnalysis", {kIterations, kSeed});
-    application_->Unsubscribe(&recorder);
-    return recorder;
-  }
-
-  TrialProgram& program_ = SharedTrialProgram();
-  Ref<Corvane8::Application> application_;
-  Ref<AutomationObject> nimbrel_;
-};
-
-/// The same run without COM, with or without the add-in.
-DateRecorder RunInProcess(bool weather) {
-  const auto trial = platform::MakeRef<hostserver::TrialHost>();
-  trial->NewPlan(1, 8);
-  trial->AddTask("A", 4, 6, 9, 100, "");
-  trial->AddTask("B", 3, 5, 6, 100, "A");
-  trial->AddTask("C", 8, 10, 16, 70, "A,B");
-  trial->OpenPlan();
-  AddTrialWeather(trial->host()->get_ActivePlan());
-  modGlobal::Wire({.create_application = [&trial] { return trial->host(); }});
-  host::Seams seams;
-  seams.handlers = {modWeatherEvents::BeforeRiskAnalysis, modWeatherEvents::BeforeRiskIteration,
-                    modWeatherEvents::AfterRiskIteration, modWeatherEvents::AfterRiskAnalysis};
-  const auto nimbrel = platform::MakeRef<host::clsNimbrel>(seams);
-  if (weather) {
-    nimbrel->LaunchStartCorvane();
-  }
-  DateRecorder recorder;
-  trial->host()->Subscribe(&recorder);
-  trial->RunAnalysis(kIterations, kSeed);
-  trial->host()->Unsubscribe(&recorder);
-  nimbrel->LaunchStopCorvane();
-  modWeatherEvents::ReleaseRunState();
-  modGlobal::Wire({});
-  return recorder;
-}
-
-std::vector<std::uint64_t> Bits(const std::vector<double>& values) {
-  std::vector<std::uint64_t> bits;
-  for (const double value : values) {
-    bits.push_back(std::bit_cast<std::uint64_t>(value));
-  }
-  return bits;
-}
-
 TEST_F(ComponentTest, IsCreatedByItsProgrammaticIdentifier) {
   EXPECT_FALSE(IsLoaded());
   nimbrel_ = Create("Nimbrel.clsNimbrel");
   EXPECT_TRUE(IsLoaded());
   nimbrel_ = Create("nimbrel.CLSCORVANE");
-}
-
-TEST_F(ComponentTest, IsUnknownOnceItIsUnregistered) {
-  EXPECT_NE(ClassOf(L"Nimbrel.clsNimbrel"), L"");
-  ASSERT_EQ(CallExport("DllUnregisterServer"), S_OK);
-  EXPECT_EQ(ClassOf(L"Nimbrel.clsNimbrel"), L"");
-  EXPECT_EQ(ClassOf(L"Nimbrel.clsCorvane"), L"");
-  EXPECT_EQ(ErrorOf([] { Create("Nimbrel.clsNimbrel"); }).first, 429);
-}
-
-bool HasClassesKey(const std::wstring& key) {
-  HKEY opened = nullptr;
-  const bool is_there =
-      RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &opened) == ERROR_SUCCESS;
-  RegCloseKey(opened);
-  return is_there;
-}
-
-constexpr const wchar_t* kInterfaces[] = {L"Interface\\{5EBDCD03-0049-5C27-B43A-29E3ED1B75F9}",
-                                          L"Interface\\{DA10606F-C100-5127-A18E-DBE46A7FC773}"};
-const std::wstring kLibrary = L"TypeLib\\{74CDF0A1-027F-5FF5-8739-CA1D74C7F12E}";
-const std::wstring kOwnWidth =
-    kLibrary + (sizeof(void*) == 8 ? L"\\1.0\\0\\win64" : L"\\1.0\\0\\win32");
-const std::wstring kOtherWidth =
-    kLibrary + (sizeof(void*) == 8 ? L"\\1.0\\0\\win32" : L"\\1.0\\0\\win64");
-
-TEST_F(ComponentTest, UnregisteredItLeavesNoInterfaceAndNoLibrary) {
-  for (const wchar_t* key : kInterfaces) {
-    EXPECT_TRUE(HasClassesKey(key));
-  }
-  EXPECT_TRUE(HasClassesKey(kOwnWidth));
-  ASSERT_EQ(CallExport("DllUnregisterServer"), S_OK);
-  for (const wchar_t* key : kInterfaces) {
-    EXPECT_FALSE(HasClassesKey(key));
-  }
-  EXPECT_FALSE(HasClassesKey(kLibrary));
-}
-
-TEST_F(ComponentTest, UnregisteredItLeavesTheLibraryOfTheOtherWidth) {
-  HKEY other = nullptr;
-  ASSERT_EQ(RegCreateKeyW(HKEY_CLASSES_ROOT, kOtherWidth.c_str(), &other), ERROR_SUCCESS);
-  RegCloseKey(other);
-  ASSERT_EQ(CallExport("DllUnregisterServer"), S_OK);
-  EXPECT_FALSE(HasClassesKey(kOwnWidth));
-  EXPECT_TRUE(HasClassesKey(kOtherWidth));
-  RegDeleteTreeW(HKEY_CLASSES_ROOT, kLibrary.c_str());
 }
 
 TEST_F(ComponentTest, ARunThroughComGivesTheSameDatesBitForBit) {
@@ -308,33 +149,53 @@ TEST_F(ComponentTest, AHostThatHasEndedFailsTheNextStartAndNotTheStop) {
 TEST_F(ComponentTest, GivesBackEveryObjectOfTheHostAndGoes) {
   OpenTrialPlan();
   application_ = nullptr;
-  const auto held = [this] {
-    return program_.control().Get("ObjectsHeld").ToLong(platform::DefaultLocale());
-  };
-  const std::int32_t before = held();
+  const std::int32_t before = HeldObjects();
   nimbrel_ = Create("Nimbrel.clsNimbrel");
   nimbrel_->Call("LaunchStartCorvane");
   program_.control().Call("RunAnalysis", {kIterations, kSeed});
   nimbrel_->Call("LaunchStopCorvane");
+  // What the run has found in the plan stays as long as the component has an object.
+  EXPECT_GT(HeldObjects(), before + 1);
   nimbrel_ = nullptr;
+  // With the last one it goes, before anybody asks whether the DLL can be unloaded. What is never
+  // let go is the one reference to the application, whose members stand behind an object of their
+  // own.
   EXPECT_TRUE(IsLoaded());
-  CoFreeUnusedLibrariesEx(0, 0);
+  EXPECT_EQ(HeldObjects(), before + 1);
+  UnloadUnused();
   EXPECT_FALSE(IsLoaded());
-  // What is never let go is the one reference to the application, whose members stand behind an
-  // object of their own.
-  EXPECT_EQ(held(), before + 1);
+  EXPECT_EQ(HeldObjects(), before + 1);
 }
 
-/// Blocks of memory that the process has in use.
+TEST_F(ComponentTest, AQuestionFromAnotherThreadTakesNothingAway) {
+  OpenTrialPlan();
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  nimbrel_->Call("LaunchStartCorvane");
+  program_.control().Call("RunAnalysis", {kIterations, kSeed});
+  const std::int32_t held = HeldObjects();
+  HRESULT answer = E_FAIL;
+  std::thread([&answer] { answer = CallExport("DllCanUnloadNow"); }).join();
+  EXPECT_EQ(answer, S_FALSE);
+  EXPECT_EQ(HeldObjects(), held);
+  nimbrel_ = nullptr;
+  std::thread([&answer] { answer = CallExport("DllCanUnloadNow"); }).join();
+  EXPECT_EQ(answer, S_OK);
+}
+
+/// Blocks of memory that the process has in use, in all of its heaps: each library of C has one.
 std::ptrdiff_t BlocksInUse() {
-  const HANDLE heap = GetProcessHeap();
+  std::vector<HANDLE> heaps(GetProcessHeaps(0, nullptr));
+  heaps.resize(std::min<std::size_t>(
+      heaps.size(), GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data())));
   std::ptrdiff_t blocks = 0;
-  PROCESS_HEAP_ENTRY entry = {};
-  HeapLock(heap);
-  while (HeapWalk(heap, &entry) != FALSE) {
-    blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
+  for (const HANDLE heap : heaps) {
+    PROCESS_HEAP_ENTRY entry = {};
+    HeapLock(heap);
+    while (HeapWalk(heap, &entry) != FALSE) {
+      blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
+    }
+    HeapUnlock(heap);
   }
-  HeapUnlock(heap);
   return blocks;
 }
 
@@ -344,23 +205,29 @@ TEST_F(ComponentTest, StartsRunsAndStopsLeaveNoMemoryBehind) {
   const auto once = [this] {
     const Ref<AutomationObject> nimbrel = Create("Nimbrel.clsNimbrel");
     nimbrel->Call("LaunchStartCorvane");
-    program_.control().Call("RunAnalysis", {kIterations, kSeed});
+    program_.control().Call("RunAnalysis", {3, kSeed});
     nimbrel->Call("LaunchStopCorvane");
   };
-  constexpr int kTimes = 10;
   once();
-  once();
-  const std::ptrdiff_t before = BlocksInUse();
-  for (int i = 0; i < kTimes; ++i) {
-    once();
+  // The system's own libraries keep dozens of blocks for a while, in one part or another. A block
+  // that is left behind each time makes as many in every part, and so in the middle one.
+  constexpr std::size_t kParts = 5;
+  constexpr int kTimes = 5;
+  std::vector<std::ptrdiff_t> growth;
+  for (std::size_t part = 0; part < kParts; ++part) {
+    const std::ptrdiff_t before = BlocksInUse();
+    for (int i = 0; i < kTimes; ++i) {
+      once();
+    }
+    growth.push_back(BlocksInUse() - before);
   }
-  // One block that is left behind each time would make as many.
-  EXPECT_LT(BlocksInUse() - before, kTimes);
+  std::sort(growth.begin(), growth.end());
+  EXPECT_LT(growth[kParts / 2], kTimes) << ::testing::PrintToString(growth);
 }
 
 TEST_F(ComponentTest, IsNotUnloadedWhileAnObjectOfItIsHeld) {
   nimbrel_ = Create("Nimbrel.clsNimbrel");
-  CoFreeUnusedLibrariesEx(0, 0);
+  UnloadUnused();
   EXPECT_TRUE(IsLoaded());
 }
 
@@ -409,6 +276,62 @@ TEST_F(ComponentTest, LeavesAnErrorObjectForCallersByPosition) {
   RegisterTrialHost();
 }
 
+/// Calls an operation without arguments by its name, as IDispatch has it.
+HRESULT InvokeByName(IDispatch& object, const wchar_t* name, EXCEPINFO& exception) {
+  auto* text = const_cast<wchar_t*>(name);
+  DISPID id = DISPID_UNKNOWN;
+  const HRESULT found = object.GetIDsOfNames(IID_NULL, &text, 1, 0, &id);
+  DISPPARAMS none = {};
+  return FAILED(found)
+             ? found
+             : object.Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, &exception, nullptr);
+}
+
+TEST_F(ComponentTest, FillsTheExceptionRecordForCallersByName) {
+  UnregisterTrialHost();
+  const ComPtr<IDispatch> nimbrel = CreateByIdentifier("Nimbrel.clsNimbrel");
+  EXCEPINFO exception = {};
+  EXPECT_EQ(InvokeByName(*nimbrel.get(), L"LaunchStartCorvane", exception), DISP_E_EXCEPTION);
+  EXPECT_EQ(static_cast<std::uint32_t>(exception.scode), 0x800A0000U + 429U);
+  EXPECT_EQ(TakeText(exception.bstrDescription), "Cannot create the object Corvane8.Application");
+  EXPECT_EQ(TakeText(exception.bstrSource), "Nimbrel");
+  SysFreeString(exception.bstrHelpFile);
+  RegisterTrialHost();
+}
+
+TEST_F(ComponentTest, AfterAFailedStartTheNextOneDoesNothingUntilAStop) {
+  OpenTrialPlan();
+  UnregisterTrialHost();
+  nimbrel_ = Create("Nimbrel.clsNimbrel");
+  EXPECT_EQ(ErrorOf([this] { nimbrel_->Call("LaunchStartCorvane"); }).first, 429);
+  RegisterTrialHost();
+  nimbrel_->Call("LaunchStartCorvane");
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(false).dates()));
+  nimbrel_->Call("LaunchStopCorvane");
+  nimbrel_->Call("LaunchStartCorvane");
+  EXPECT_EQ(Bits(Run().dates()), Bits(RunInProcess(true).dates()));
+}
+
+TEST_F(ComponentTest, AReceiverThatIsCalledByPositionLeavesItsError) {
+  OpenTrialPlan();
+  application_->get_ActivePlan()->get_Tasks()->Remove("WEATHER");
+  const auto expected =
+      ErrorOf([this] { application_->get_ActivePlan()->get_Tasks()->Item("WEATHER"); });
+  ASSERT_NE(expected.first, 0);
+  const Dispatch application(CreateByIdentifier("Corvane8.Application"), "", nullptr);
+  const ComVariant plan = application.Get("ActivePlan");
+  const auto corvane = CreateByIdentifier("Nimbrel.clsCorvane").As<_clsCorvane>(IID__clsCorvane);
+  ASSERT_TRUE(corvane);
+  const HRESULT result = corvane->m_CorvyApp_PlanBeforeRiskAnalysis(plan.get()->pdispVal);
+  EXPECT_EQ(ErrorOf([&] { Check(result, "PlanBeforeRiskAnalysis"); }), expected);
+  // A plan without members is none; Nothing is one without weather.
+  const auto mute = MakeCom<BareObject>();
+  EXPECT_EQ(corvane->m_CorvyApp_PlanAfterRiskIteration(mute.get(), 1),
+            ToHResult(platform::RuntimeError(438, "")));
+  EXPECT_EQ(corvane->m_CorvyApp_PlanBeforeRiskIteration(nullptr, 1), S_OK);
+  EXPECT_EQ(corvane->m_CorvyApp_PlanAfterRiskAnalysis(nullptr), S_OK);
+}
+
 TEST_F(ComponentTest, MainWithoutAPlanTellsTheUserSo) {
   program_.control().Call("ClosePlan");
   nimbrel_ = Create("Nimbrel.clsNimbrel");
@@ -447,75 +370,6 @@ TEST_F(ComponentTest, TheExampleRuns) {
       OutputOf(L"cscript //nologo \"Z:" + platform::ToWide(NIMBREL_SOURCE_DIR) +
                L"/examples/windows/weather_run.vbs\"");
   EXPECT_EQ(output, "Weather moves the finish.\r\nStopped, it moves nothing.\r\n");
-}
-
-/// Where the operations stand in the table of the interface, in the order of their numbers.
-std::vector<std::size_t> PlacesOf(ITypeInfo& info) {
-  std::map<MEMBERID, std::size_t> places;
-  FUNCDESC* function = nullptr;
-  for (UINT i = 0; SUCCEEDED(info.GetFuncDesc(i, &function)); ++i) {
-    // Those of IDispatch have numbers above.
-    if (function->memid < 0x10000) {
-      places[function->memid] = static_cast<std::size_t>(function->oVft) / sizeof(void*);
-    }
-    info.ReleaseFuncDesc(function);
-  }
-  std::vector<std::size_t> in_order;
-  for (const auto& [id, place] : places) {
-    in_order.push_back(place);
-  }
-  return in_order;
-}
-
-std::vector<std::size_t> PlacesFrom(std::size_t first, std::size_t count) {
-  std::vector<std::size_t> places(count);
-  std::iota(places.begin(), places.end(), first);
-  return places;
-}
-
-TEST_F(ComponentTest, HasItsOperationsInTheirOrder) {
-  const auto names_of = [](const std::string& identifier) {
-    const ComPtr<IDispatch> object = CreateByIdentifier(identifier);
-    ComPtr<ITypeInfo> info;
-    EXPECT_EQ(object->GetTypeInfo(0, 0, info.Receive()), S_OK);
-    std::vector<std::string> names;
-    for (DISPID id = 1; id <= 6; ++id) {
-      BSTR name = nullptr;
-      UINT count = 0;
-      if (SUCCEEDED(info->GetNames(id, &name, 1, &count)) && count == 1) {
-        names.push_back(platform::ToUtf8(name));
-        SysFreeString(name);
-      }
-    }
-    // Behind the seven of IDispatch.
-    EXPECT_EQ(PlacesOf(*info.get()), PlacesFrom(7, names.size())) << identifier;
-    return names;
-  };
-  EXPECT_THAT(names_of("Nimbrel.clsNimbrel"),
-              ElementsAre("Main", "LaunchStartCorvane", "LaunchStopCorvane"));
-  EXPECT_THAT(names_of("Nimbrel.clsCorvane"),
-              ElementsAre("StartCorvane", "StopCorvane", "m_CorvyApp_PlanAfterRiskAnalysis",
-                          "m_CorvyApp_PlanAfterRiskIteration", "m_CorvyApp_PlanBeforeRiskAnalysis",
-                          "m_CorvyApp_PlanBeforeRiskIteration"));
-}
-
-TEST_F(ComponentTest, ExportsTheFourFunctionsUndecoratedAndNothingElse) {
-  const HMODULE dll = LoadLibraryW(ProgramBeside(kDll).c_str());
-  ASSERT_NE(dll, nullptr);
-  const auto* base = reinterpret_cast<const BYTE*>(dll);
-  const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-  const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-  const auto* exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(
-      base + headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress);
-  const auto* offsets = reinterpret_cast<const DWORD*>(base + exports->AddressOfNames);
-  std::vector<std::string> names;
-  for (DWORD i = 0; i < exports->NumberOfNames; ++i) {
-    names.emplace_back(reinterpret_cast<const char*>(base + offsets[i]));
-  }
-  EXPECT_EQ(exports->NumberOfFunctions, 4U);
-  EXPECT_THAT(names, ElementsAre("DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer",
-                                 "DllUnregisterServer"));
-  FreeLibrary(dll);
 }
 
 }  // namespace
