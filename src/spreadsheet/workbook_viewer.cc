@@ -136,7 +136,7 @@ std::string DesktopViewer::WriteTemporary(const Workbook& workbook) const {
                                  "No folder for the workbook can be made: " + beginning.string() +
                                      ": " + error.code().message());
   }
-  const std::string file = (fs::path(folder) / "Weather.xlsx").string();
+  std::string file = (fs::path(folder) / "Weather.xlsx").string();
   try {
     WriteXlsx(workbook, file);
   } catch (...) {

@@ -58,7 +58,8 @@ class Neighbourhood {
 
   std::ptrdiff_t PlaceOf(double z) const {
     const std::int64_t rank = rank_ + std::llround(z * deviation_);
-    return std::clamp<std::int64_t>(rank, 0, static_cast<std::int64_t>(minutes_.size()) - 1);
+    return static_cast<std::ptrdiff_t>(
+        std::clamp<std::int64_t>(rank, 0, static_cast<std::int64_t>(minutes_.size()) - 1));
   }
 
   std::vector<std::int64_t> minutes_;  // in order around the percentile
