@@ -14,8 +14,6 @@
 namespace nimbrel::cli::report {
 namespace {
 
-using engine::Instant;
-
 constexpr std::size_t kMostBars = 120;
 constexpr std::size_t kMostRuns = 6;  // of days that a cell lists
 
